@@ -1,0 +1,12 @@
+/* Everything a program needs from libquillon: the runtime and the object layer. */
+#ifndef QUILLON_QUILLON_H
+#define QUILLON_QUILLON_H
+
+#include "asn1type.h"
+#include "rtContext.h"
+#include "rtMemHeap.h"
+#include "rtList.h"
+#include "rtUtil.h"
+#include "asn1ber.h"
+
+#endif
