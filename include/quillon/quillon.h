@@ -8,5 +8,12 @@
 #include "rtList.h"
 #include "rtUtil.h"
 #include "asn1ber.h"
+#include "rtTime.h"
+#include "rtBitOps.h"
+#include "rtUTF8.h"
+#include "rtBase64.h"
+#include "rtValueText.h"
+#include "rtReal.h"
+#include "rtBigInt.h"
 
 #endif
