@@ -30,5 +30,6 @@ install(FILES "${CMAKE_CURRENT_BINARY_DIR}/quillonConfig.cmake"
 
 # The .pc file names its prefix relative to ${pcfiledir} (the folder pkg-config found it in).
 file(RELATIVE_PATH QN_PC_TO_PREFIX "/prefix/${QN_PKGCONFIG_DIR}" "/prefix")
+string(REGEX REPLACE "/$" "" QN_PC_TO_PREFIX "${QN_PC_TO_PREFIX}")
 configure_file(cmake/quillon.pc.in "${CMAKE_CURRENT_BINARY_DIR}/quillon.pc" @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/quillon.pc" DESTINATION ${QN_PKGCONFIG_DIR})

@@ -1,39 +1,58 @@
 /* INTEGER of any size as text. */
 #include <string.h>
 
+#include <quillon/rtBigInt.h>
+
 #include "xd_common.h"
 
 using namespace qn::xd;
 
 namespace {
 
-const char kHexDigits[] = "0123456789abcdef";
-
-void putHexOctet(char* p, ASN1OCTET octet) {
-  p[0] = kHexDigits[octet >> 4];
-  p[1] = kHexDigits[octet & 0x0F];
-}
-
-/* Hex digits of the magnitude of the two's complement number in p[0..n-1], two per octet at
- * digits; a negative number is negated on the way, from its least significant octet up. */
-void putMagnitudeDigits(const ASN1OCTET* p, ASN1UINT n, bool negative, char* digits) {
-  unsigned carry = 1;
-  for (ASN1UINT i = n; i-- > 0;) {
-    ASN1OCTET octet = p[i];
-    if (negative) {
-      unsigned sum = (ASN1OCTET)~octet + carry;
-      carry = sum >> 8;
-      octet = (ASN1OCTET)sum;
-    }
-    putHexOctet(digits + 2 * i, octet);
+/* A non-negative number (the usual serial number or key parameter) is its contents octets in
+ * hex behind "0x", leading zero octets dropped: no arithmetic needed, so it is done here.
+ * The text is the same as rtBigIntToString's in radix 16. */
+int nonNegativeText(ASN1CTXT* pctxt, const ASN1OCTET* p, ASN1UINT n, char** text_p) {
+  static const char kHexDigits[] = "0123456789abcdef";
+  while (n > 1 && p[0] == 0) {
+    ++p;
+    --n;
   }
+  char* text = static_cast<char*>(allocValue(pctxt, 2 + 2 * (size_t)n + 1));
+  if (!text) return ASN_E_NOMEM;
+  text[0] = '0';
+  text[1] = 'x';
+  for (ASN1UINT i = 0; i < n; ++i) {
+    text[2 + 2 * i] = kHexDigits[p[i] >> 4];
+    text[3 + 2 * i] = kHexDigits[p[i] & 0x0F];
+  }
+  text[2 + 2 * n] = '\0';
+  *text_p = text;
+  return 0;
 }
 
-/* Leading zero octets of the magnitude, keeping at least one. */
-ASN1UINT redundantOctets(const char* digits, ASN1UINT n) {
-  ASN1UINT skip = 0;
-  while (skip + 1 < n && digits[2 * skip] == '0' && digits[2 * skip + 1] == '0') ++skip;
-  return skip;
+/* A negative number needs its magnitude worked out, which is the big-integer code's job. A
+ * small local buffer holds the magnitude of all but unusually long numbers. */
+int negativeText(ASN1CTXT* pctxt, const ASN1OCTET* p, ASN1UINT n, char** text_p) {
+  ASN1OCTET local[64];
+  ASN1BigInt value;
+  rtBigIntInit(&value);
+  value.mag = local;
+  value.allocated = sizeof local;
+  int stat = rtBigIntSetOctets(pctxt, &value, p, n);
+  char* text = nullptr;
+  if (stat == 0) {
+    const int size = rtBigIntDigitsNum(&value, 16) + 1;
+    text = static_cast<char*>(allocValue(pctxt, (size_t)size));
+    stat = text ? rtBigIntToString(pctxt, &value, 16, text, (ASN1UINT)size) : ASN_E_NOMEM;
+  }
+  if (value.dynamic) rtBigIntFree(pctxt, &value);
+  if (stat < 0) {
+    if (text) rtMemHeapFreePtr(&pctxt->memHeap, text);
+    return stat;
+  }
+  *text_p = text;
+  return 0;
 }
 
 }  // namespace
@@ -51,20 +70,9 @@ int xd_bigint(ASN1CTXT* pctxt, const char** object_p, int tagging, int length) {
 
   const ASN1OCTET* p = pctxt->buffer.data + pctxt->buffer.byteIndex;
   const ASN1UINT n = (ASN1UINT)length;
-  const bool negative = (p[0] & 0x80) != 0;
-  const char* prefix = negative ? "-0x" : "0x";
-  const size_t prefixLen = negative ? 3 : 2;
-  /* Room for the prefix, two digits an octet and the terminator, in one block; the digits
-   * are written behind the prefix and then moved up over the redundant zero octets. */
-  char* text = static_cast<char*>(allocValue(pctxt, prefixLen + 2 * (size_t)n + 1));
-  if (!text) return LOG_RTERR(pctxt, ASN_E_NOMEM);
-  char* digits = text + prefixLen;
-  putMagnitudeDigits(p, n, negative, digits);
-  const ASN1UINT skip = redundantOctets(digits, n);
-  memmove(digits, digits + 2 * skip, 2 * (size_t)(n - skip));
-  digits[2 * (n - skip)] = '\0';
-  memcpy(text, prefix, prefixLen);
-
+  char* text;
+  stat = (p[0] & 0x80) ? negativeText(pctxt, p, n, &text) : nonNegativeText(pctxt, p, n, &text);
+  if (stat < 0) return LOG_RTERR(pctxt, stat);
   pctxt->buffer.byteIndex += n;
   *object_p = text;
   return 0;

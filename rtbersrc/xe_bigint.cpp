@@ -8,13 +8,19 @@ namespace {
 /* Serial numbers and most key parameters fit here, so the usual value needs no heap. */
 const ASN1UINT kLocalMagnitude = 64;
 
-/* The minimal two's complement octets straight into the buffer: room for the magnitude and a
- * sign octet is made first, and the form is written right-aligned in it. */
+/* The minimal two's complement octets straight into the buffer, written right-aligned in room
+ * for the magnitude and a sign octet. A static buffer cannot make that room, but what is left
+ * of it may still hold a value without a sign octet; the conversion says when it does not. */
 int putBigIntContents(ASN1CTXT* pctxt, const ASN1BigInt* value) {
-  ASN1UINT room = value->numocts + 1;
-  int stat = xeReserve(pctxt, room);
-  if (stat < 0) return stat;
   ASN1BUFFER& b = pctxt->buffer;
+  ASN1UINT room = value->numocts + 1;
+  if (b.byteIndex < room && !b.dynamic) {
+    room = b.byteIndex;
+  }
+  else {
+    int stat = xeReserve(pctxt, room);
+    if (stat < 0) return stat;
+  }
   int len = rtBigIntGetOctets(pctxt, value, b.data + b.byteIndex - room, room);
   if (len > 0) xeClaim(pctxt, (ASN1UINT)len);
   return len;

@@ -8,18 +8,15 @@
 
 namespace {
 
-/* Smallest growth step, so that a long run of small writes does not grow one octet at a
- * time. */
 const ASN1UINT kMinGrowth = 16384;
 
 /* Every length an encoder returns is an int, so the buffer stays below 2 GiB. */
 const ASN1UINT kMaxBufferSize = 0x7FFFFFFFu;
 
-/* Growth at least doubles the buffer, so a large encoding is moved a bounded number of times
- * in all (amortised linear) instead of once per 16 KiB. */
-ASN1UINT growthFor(const ASN1BUFFER& b, ASN1UINT needed) {
-  ASN1UINT extra = needed > kMinGrowth ? needed : kMinGrowth;
-  return extra > b.size ? extra : b.size;
+/* Growth adds what is needed, but never less than one step, so that a run of small writes
+ * does not move the encoding every time. */
+ASN1UINT growthFor(ASN1UINT needed) {
+  return needed > kMinGrowth ? needed : kMinGrowth;
 }
 
 }  // namespace
@@ -57,7 +54,7 @@ void xe_free(ASN1CTXT* pctxt) {
 int xe_expandBuffer(ASN1CTXT* pctxt, ASN1UINT length) {
   ASN1BUFFER& b = pctxt->buffer;
   if (!b.dynamic) return LOG_RTERR(pctxt, ASN_E_BUFOVFLW);
-  ASN1UINT extra = growthFor(b, length);
+  ASN1UINT extra = growthFor(length);
   if (extra > kMaxBufferSize - b.size) return LOG_RTERR(pctxt, ASN_E_NOMEM);
   ASN1UINT newSize = b.size + extra;
   /* The buffer belongs to the message heap, which attached it and releases it with the

@@ -6,15 +6,19 @@
 namespace {
 
 /* Every arc as its own base-128 subidentifier, counted first so the run is stored in one
- * claim. */
+ * claim. Most arcs are below 128 and take the one-octet path. */
 template <typename Arc>
 int putSubidentifiers(ASN1CTXT* pctxt, const Arc* arcs, ASN1UINT count) {
   ASN1UINT n = 0;
-  for (ASN1UINT i = 0; i < count; ++i) n += xeBase128Count(arcs[i]);
+  for (ASN1UINT i = 0; i < count; ++i) n += arcs[i] < 0x80 ? 1 : xeBase128Count(arcs[i]);
   int stat = xeReserve(pctxt, n);
   if (stat < 0) return stat;
   ASN1OCTET* p = xeClaim(pctxt, n);
   for (ASN1UINT i = 0; i < count; ++i) {
+    if (arcs[i] < 0x80) {
+      *p++ = (ASN1OCTET)arcs[i];
+      continue;
+    }
     unsigned octets = xeBase128Count(arcs[i]);
     xeStoreBase128(p, octets, arcs[i]);
     p += octets;

@@ -48,6 +48,10 @@ inline OSMemBlk* blockOfLink(OSMemLink* link) { return static_cast<OSMemBlk*>(li
 
 inline bool isLarge(const OSMemLink* link) { return (link->flags & RTMEMRAW) != 0; }
 
+inline unsigned tailRoom(const OSMemBlk* blk) {
+  return static_cast<unsigned>(blk->totalUnits - blk->tailIndex);
+}
+
 inline OSMemElemHdr* nextElem(OSMemBlk* blk, OSMemElemHdr* elem) {
   return elemAt(blk, indexOf(blk, elem) + 1 + elem->units);
 }
@@ -107,8 +111,22 @@ inline void leaveEmptyCounters(OSMemHeap* heap, const OSMemBlk* blk) {
   heap->emptyCount--;
 }
 
+OSMemBlk* firstBlock(OSMemHeap* heap) {
+  OSMemLink* l = heap->blocks;
+  while (l && isLarge(l)) l = l->next;
+  return l ? blockOfLink(l) : nullptr;
+}
+
+/* Keeps the first block's bound on the other tails valid when a tail grows back. */
+void noteTailRoom(OSMemHeap* heap, OSMemBlk* blk) {
+  if (!(heap->flags & RT_MH_TAILBOUND)) return;
+  OSMemBlk* first = firstBlock(heap);
+  if (first != blk && first->otherTailRoom < tailRoom(blk)) first->otherTailRoom = tailRoom(blk);
+}
+
 void releaseBlock(OSMemHeap* heap, OSMemLink* link) {
   OSMemBlk* blk = blockOfLink(link);
+  if (firstBlock(heap) == blk) heap->flags &= ~RT_MH_TAILBOUND;
   unlinkLink(heap, link);
   heap->blockUnits -= blk->totalUnits;
   heap->blockCount--;
@@ -180,8 +198,12 @@ bool keepsEmptyBlock(const OSMemHeap* heap, const OSMemBlk* blk) {
 
 void blockBecameEmpty(OSMemHeap* heap, OSMemBlk* blk) {
   clearBlock(blk);
-  if (keepsEmptyBlock(heap, blk)) enterEmptyCounters(heap, blk);
-  else releaseBlock(heap, blk->plink);
+  if (!keepsEmptyBlock(heap, blk)) {
+    releaseBlock(heap, blk->plink);
+    return;
+  }
+  enterEmptyCounters(heap, blk);
+  noteTailRoom(heap, blk);
 }
 
 /* ---- Freeing an element ----------------------------------------------------------------- */
@@ -191,7 +213,8 @@ void clearSavedMark(OSMemBlk* blk, OSMemElemHdr* elem) {
   if (--blk->savedCount == 0) blk->plink->flags &= ~RTMEMSAVED;
 }
 
-void freeInner(OSMemBlk* blk, OSMemElemHdr* elem) {
+void freeInner(OSMemHeap* heap, OSMemBlk* blk, OSMemElemHdr* elem) {
+  heap->flags |= RT_MH_MAYFREE;
   elem->flags |= RTMEMELEM_FREE;
   blk->freeUnits = static_cast<ASN1USINT>(blk->freeUnits + elem->units);
   insertFree(blk, elem);
@@ -231,6 +254,7 @@ void freeLast(OSMemHeap* heap, OSMemBlk* blk, OSMemElemHdr* elem) {
   }
   newLast->flags |= RTMEMELEM_LAST;
   blk->lastElem = static_cast<ASN1USINT>(indexOf(blk, newLast) + 1);
+  noteTailRoom(heap, blk);
 }
 
 void freeElement(OSMemHeap* heap, OSMemElemHdr* elem) {
@@ -238,7 +262,7 @@ void freeElement(OSMemHeap* heap, OSMemElemHdr* elem) {
   OSMemBlk* blk = blockOf(elem);
   if (elem->flags & RTMEMELEM_SAVED) clearSavedMark(blk, elem);
   if (elem->flags & RTMEMELEM_LAST) freeLast(heap, blk, elem);
-  else freeInner(blk, elem);
+  else freeInner(heap, blk, elem);
 }
 
 /* ---- Resizing in place ------------------------------------------------------------------ */
@@ -249,6 +273,7 @@ void shrinkElement(OSMemHeap* heap, OSMemBlk* blk, OSMemElemHdr* elem, unsigned 
   if (elem->flags & RTMEMELEM_LAST) {
     elem->units = static_cast<ASN1USINT>(units);
     blk->tailIndex = static_cast<ASN1USINT>(index + 1 + units);
+    noteTailRoom(heap, blk);
     return;
   }
   /* The rest becomes an element of its own, which the ordinary free path merges. */
@@ -302,18 +327,43 @@ void* carveAtTail(OSMemBlk* blk, unsigned units) {
   return bodyOf(elem);
 }
 
-inline bool tailFits(const OSMemBlk* blk, unsigned units) {
-  return static_cast<unsigned>(blk->totalUnits - blk->tailIndex) >= units + 1;
+/* A kept empty block taken back into use moves to the front, as a new block would: otherwise
+ * every request after a reset would first walk past all the blocks it has already filled. */
+void promoteBlock(OSMemHeap* heap, OSMemBlk* blk, OSMemBlk* first) {
+  ASN1UINT bound = first->otherTailRoom;
+  if (tailRoom(first) > bound) bound = tailRoom(first);
+  unlinkLink(heap, blk->plink);
+  pushLink(heap, blk->plink);
+  blk->otherTailRoom = bound;
 }
 
-void* allocFromTails(OSMemHeap* heap, unsigned units) {
+/* Takes the element from the tail of the first block, newest first, that has room. While the
+ * heap keeps a bound on the other tails, a request the first block cannot serve and that is
+ * above the bound is refused at once. *pOtherRoom receives a bound on every tail for the block
+ * that may be created next. */
+void* allocFromTails(OSMemHeap* heap, unsigned units, ASN1UINT* pOtherRoom) {
+  unsigned need = units + 1;
+  OSMemBlk* first = nullptr;
+  ASN1UINT bound = 0;
   for (OSMemLink* l = heap->blocks; l; l = l->next) {
     if (isLarge(l)) continue;
     OSMemBlk* blk = blockOfLink(l);
-    if (!tailFits(blk, units)) continue;
-    if (blk->tailIndex == 0) leaveEmptyCounters(heap, blk);
-    return carveAtTail(blk, units);
+    if (tailRoom(blk) >= need) {
+      if (blk->tailIndex == 0) {
+        leaveEmptyCounters(heap, blk);
+        if (first) promoteBlock(heap, blk, first);
+      }
+      return carveAtTail(blk, units);
+    }
+    if (tailRoom(blk) > bound) bound = tailRoom(blk);
+    if (first) continue;
+    first = blk;
+    if ((heap->flags & RT_MH_TAILBOUND) && need > blk->otherTailRoom) {
+      if (blk->otherTailRoom > bound) bound = blk->otherTailRoom;
+      break;
+    }
   }
+  *pOtherRoom = bound;
   return nullptr;
 }
 
@@ -335,12 +385,16 @@ void* takeFromFreeList(OSMemHeap* heap, OSMemBlk* blk, unsigned units) {
 }
 
 void* allocFromFreeLists(OSMemHeap* heap, unsigned units) {
+  if (!(heap->flags & RT_MH_MAYFREE)) return nullptr;
+  bool anyFree = false;
   for (OSMemLink* l = heap->blocks; l; l = l->next) {
     if (isLarge(l)) continue;
     OSMemBlk* blk = blockOfLink(l);
+    anyFree = anyFree || blk->freeUnits != 0;
     if (blk->freeUnits < units) continue;
     if (void* mem = takeFromFreeList(heap, blk, units)) return mem;
   }
+  if (!anyFree) heap->flags &= ~RT_MH_MAYFREE;
   return nullptr;
 }
 
@@ -352,7 +406,9 @@ size_t blockBytesFor(const OSMemHeap* heap, unsigned units) {
   return blkSize;
 }
 
-void* allocFromNewBlock(OSMemHeap* heap, unsigned units) {
+/* otherRoom bounds the tail room of every block already there; the new block, first in the
+ * list, carries it. */
+void* allocFromNewBlock(OSMemHeap* heap, unsigned units, ASN1UINT otherRoom) {
   size_t byteSize = blockBytesFor(heap, units);
   size_t capacity = (byteSize - kCapacitySlackBytes) / kUnit;
   if (capacity > kMaxBlockUnits) {
@@ -367,11 +423,12 @@ void* allocFromNewBlock(OSMemHeap* heap, unsigned units) {
   link->flags = RTMEMSTD | RTMEMLINK;
   blk->plink = link;
   blk->totalUnits = static_cast<ASN1USINT>(capacity);
-  blk->reserved = 0;
+  blk->otherTailRoom = otherRoom;
   clearBlock(blk);
   pushLink(heap, link);
   heap->blockUnits += blk->totalUnits;
   heap->blockCount++;
+  heap->flags |= RT_MH_TAILBOUND;
   return carveAtTail(blk, units);
 }
 
@@ -425,6 +482,7 @@ void emptyBlockForReuse(OSMemHeap* heap, OSMemBlk* blk) {
   if (blk->tailIndex == 0) return;
   clearBlock(blk);
   enterEmptyCounters(heap, blk);
+  noteTailRoom(heap, blk);
 }
 
 void freeAllLinks(OSMemHeap* heap, bool keepSaved) {
@@ -514,9 +572,10 @@ void* rtMemHeapAlloc(OSMemHeap** ppHeap, size_t nbytes) {
   OSMemHeap* heap = *ppHeap;
   if (nbytes >= kLargeMinBytes) return allocLarge(heap, nbytes);
   unsigned units = unitsFor(nbytes);
-  if (void* mem = allocFromTails(heap, units)) return mem;
+  ASN1UINT otherRoom;
+  if (void* mem = allocFromTails(heap, units, &otherRoom)) return mem;
   if (void* mem = allocFromFreeLists(heap, units)) return mem;
-  return allocFromNewBlock(heap, units);
+  return allocFromNewBlock(heap, units, otherRoom);
 }
 
 void* rtMemHeapAllocZ(OSMemHeap** ppHeap, size_t nbytes) {

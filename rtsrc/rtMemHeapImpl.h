@@ -38,7 +38,10 @@ struct OSMemBlk {
   ASN1USINT lastElem;   /* 1-based unit index of the last element's header, 0 if none */
   ASN1USINT freeHead;   /* 1-based unit index of the first free element's header, 0 if none */
   ASN1USINT savedCount;
-  ASN1UINT reserved;    /* keeps the data area on an 8-byte boundary on both builds */
+  /* In the first ordinary block of the list only, while the heap has RT_MH_TAILBOUND: an upper
+   * bound of the tail room of every other block. The word also keeps the data area on an
+   * 8-byte boundary on both builds. */
+  ASN1UINT otherTailRoom;
 };
 
 struct OSMemElemHdr {
@@ -69,6 +72,11 @@ struct OSMemHeap {
 
 /* Set on a heap record that rtMemHeapCreate allocated; the top four flag bits are the heap's. */
 #define RT_MH_FREEHEAPDESC 0x10000000u
+/* The first block's otherTailRoom is valid: a request it cannot serve and that exceeds the
+ * bound skips the other tails at once. */
+#define RT_MH_TAILBOUND 0x20000000u
+/* Some block may hold free elements; clear after a search of the free lists found none. */
+#define RT_MH_MAYFREE 0x40000000u
 #define RT_MH_INTERNALMASK 0xF0000000u
 
 namespace qn_heap {

@@ -1,17 +1,19 @@
 #!/usr/bin/env python3
-"""Prints the quillon/openssl CPU-time ratio of every benchmark pair in Google Benchmark JSON.
+"""Prints the time ratio of every quillon benchmark to its peers, from Google Benchmark JSON.
 
 usage: bench-ratios.py RESULT.json...
 
-Two benchmarks form a pair when their names differ only in "quillon" and "openssl" (in any
-letter case). Ratios below 1 mean the library is faster than the peer on the same bytes in the
-same run. Repeated runs are reduced to their median when Google Benchmark reports one.
+A benchmark whose name contains "quillon" is paired with every benchmark whose name is the same
+except for one other word in that place: "DecodeCertificate/quillon" with
+"DecodeCertificate/openssl", "AllocFree_quillon/64" with "AllocFree_malloc/64". Ratios below 1
+mean the library is faster than the peer on the same bytes in the same run. CPU time is used;
+repeated runs are reduced to their median when Google Benchmark reports one.
 """
 import json
 import re
 import sys
 
-PEER = re.compile("openssl", re.IGNORECASE)
+OURS = re.compile("quillon", re.IGNORECASE)
 
 
 def cpu_times(paths):
@@ -33,27 +35,30 @@ def cpu_times(paths):
 
 
 def pairs(times):
-    by_key = {name.lower(): t for name, t in times.items()}  # "OpenSSL" pairs with "Quillon"
-    for name, peer_time in sorted(times.items()):
-        if not PEER.search(name):
+    for name, ours in times.items():
+        m = OURS.search(name)
+        if not m:
             continue
-        ours = PEER.sub("quillon", name).lower()
-        if ours in by_key and peer_time > 0:
-            yield PEER.sub("*", name), by_key[ours], peer_time
+        peer_name = re.compile(re.escape(name[:m.start()]) + r"([A-Za-z0-9]+)" +
+                               re.escape(name[m.end():]) + "$")
+        for other, peer in times.items():
+            found = peer_name.match(other)
+            if found and not OURS.fullmatch(found.group(1)) and peer > 0:
+                yield f"{name[:m.start()]}*{name[m.end():]}", found.group(1), ours / peer
 
 
 def main(paths):
     if not paths:
         print(__doc__.strip().splitlines()[2], file=sys.stderr)
         return 2
-    rows = list(pairs(cpu_times(paths)))
+    rows = sorted(pairs(cpu_times(paths)))
     if not rows:
-        print("no quillon/openssl pairs found")
+        print("no quillon/peer pairs found")
         return 0
     width = max(len(r[0]) for r in rows)
-    print(f"{'benchmark':<{width}}  {'quillon/openssl':>15}")
-    for name, ours, peer in rows:
-        print(f"{name:<{width}}  {ours / peer:>15.2f}")
+    print(f"{'benchmark':<{width}}  {'peer':<10} {'quillon/peer':>12}")
+    for name, peer, ratio in rows:
+        print(f"{name:<{width}}  {peer:<10} {ratio:>12.2f}")
     return 0
 
 

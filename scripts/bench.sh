@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the benchmarks (x86-64, Release) and runs each bench/bench_*.cpp program, printing
 # Google Benchmark's console table, keeping the JSON in build/bench/results/, and ending with
-# the quillon/openssl time ratio of every benchmark pair (below 1: we are faster).
+# the time ratio of every quillon benchmark to its peer (below 1: we are faster).
 #
 #   scripts/bench.sh [Google Benchmark arguments, e.g. --benchmark_filter=Decode]
 set -euo pipefail

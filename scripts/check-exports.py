@@ -100,7 +100,11 @@ def main(argv):
         print(__doc__.strip().splitlines()[2], file=sys.stderr)
         return 2
     names = api_names(argv[2:])
-    symbols = exported_symbols(argv[1])
+    try:
+        symbols = exported_symbols(argv[1])
+    except subprocess.CalledProcessError as e:
+        print(f"error: cannot list the symbols of {argv[1]}: {e.stderr.strip()}")
+        return 1
     verdicts = [(classify(s, names), s) for s in symbols]
     for verdict, (_, demangled, _) in verdicts:
         if verdict == "std":

@@ -16,7 +16,8 @@ QN_BEGIN_C
 /* Magnitude without leading zero octets, most significant first (zero has numocts 0); sign
  * -1, 0 or +1. mag holds allocated octets; with dynamic set it came from the context's heap
  * and rtBigIntFree returns it. A caller may lend a buffer of its own after rtBigIntInit (mag,
- * allocated, dynamic 0): values that fit stay in it, larger ones move to the heap. */
+ * allocated, dynamic 0): values stay in it while it has room (decimal text asks for up to two
+ * octets more than the value needs), larger ones move to the heap. */
 typedef struct ASN1BigInt {
   ASN1UINT numocts;
   ASN1OCTET* mag;

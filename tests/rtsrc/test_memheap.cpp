@@ -534,8 +534,9 @@ TEST_F(MemHeapTest, RandomWorkloadKeepsEveryInvariant) {
       live[p] = {n, tag};
     };
     auto intact = [&](ASN1OCTET* p, size_t n) {
+      ASN1OCTET tag = live[p].second;
       for (size_t i = 0; i < n; i++) {
-        if (p[i] != live[p].second) return false;
+        if (p[i] != tag) return false;
       }
       return true;
     };
@@ -544,7 +545,7 @@ TEST_F(MemHeapTest, RandomWorkloadKeepsEveryInvariant) {
       std::advance(it, rng() % live.size());
       return it->first;
     };
-    for (int step = 0; step < 2000; step++) {
+    for (int step = 0; step < 5000; step++) {
       unsigned op = rng() % 10;
       if (op < 5 || live.empty()) {
         size_t n = pickSize();

@@ -1,4 +1,4 @@
-// Value utilities: numbers, booleans and object identifiers as text, single bits of byte
+// Value utilities: numbers and object identifiers as text, single bits of byte
 // arrays, and the special REAL values.
 
 #include <quillon/rtBitOps.h>
@@ -64,12 +64,6 @@ TEST_F(ValueTextTest, NumberBufferMustHoldTheNul) {
   EXPECT_STREQ(buf, "-2147483648");
   EXPECT_EQ(rtUIntToString(ctxt.get(), 7, buf, 1), ASN_E_STROVFLW);
   EXPECT_EQ(rtUIntToString(ctxt.get(), 7, nullptr, 0), ASN_E_INVPARAM);
-}
-
-TEST_F(ValueTextTest, BooleansUseValueNotation) {
-  EXPECT_STREQ(rtBoolToString(1), "TRUE");
-  EXPECT_STREQ(rtBoolToString(0xFF), "TRUE");
-  EXPECT_STREQ(rtBoolToString(0), "FALSE");
 }
 
 TEST_F(ValueTextTest, ObjectIdentifiersAsDottedText) {

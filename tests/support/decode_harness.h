@@ -62,6 +62,8 @@ class DecodeHarness {
   size_t size() const { return size_; }
   ASN1UINT pos() { return ctx_.get()->buffer.byteIndex; }
   bool constructedFlag() { return (ctx_.get()->flags & ASN1CONSTAG) != 0; }
+  // Entries in the error record's trace.
+  int errorDepth() { return ctx_.get()->errInfo.stkx; }
 
  private:
   size_t size_;

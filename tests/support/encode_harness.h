@@ -49,7 +49,8 @@ class EncodeHarness {
     ASN1CTXT* c = ctx_.get();
     if (c->buffer.data == nullptr) return Bytes();
     const ASN1OCTET* p = xe_getp(c);
-    return Bytes(p, c->buffer.data + c->buffer.size - 1);
+    const ASN1OCTET* end = c->buffer.data + c->buffer.size - 1;
+    return Bytes(p, end);
   }
   std::string hex() { return hexOf(written()); }
 

@@ -9,17 +9,15 @@
 
 class TestContext {
  public:
-  TestContext() { initStatus_ = rtInitContext(&ctxt_, nullptr); }
+  TestContext() { rtInitContext(&ctxt_, nullptr); }
   ~TestContext() { rtFreeContext(&ctxt_); }
   TestContext(const TestContext&) = delete;
   TestContext& operator=(const TestContext&) = delete;
 
   ASN1CTXT* get() { return &ctxt_; }
-  int initStatus() const { return initStatus_; }
 
   // The status of the first error recorded since the last reset (0 when none).
   int errorStatus() const { return ctxt_.errInfo.status; }
-  int errorDepth() const { return ctxt_.errInfo.stkx; }
   // The module recorded at the point of detection, "" when nothing is recorded.
   std::string errorModule() const {
     return ctxt_.errInfo.stkx > 0 ? ctxt_.errInfo.stack[0].module : "";
@@ -32,7 +30,6 @@ class TestContext {
 
  private:
   ASN1CTXT ctxt_{};
-  int initStatus_ = 0;
 };
 
 #endif

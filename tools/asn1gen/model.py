@@ -11,6 +11,7 @@ class Node:
     """Base of every model node: remembers where in the text it came from."""
 
     loc = None
+    module = None                       # the Module whose names this node uses
 
     def __repr__(self):
         fields = ", ".join("%s=%r" % (k, v) for k, v in vars(self).items()
@@ -299,6 +300,7 @@ class BracedValue(Value):
     def __init__(self, tokens, loc=None):
         self.tokens = tokens
         self.loc = loc
+        self.end_loc = None             # the closing brace
 
 
 class OidValue(Value):
@@ -488,7 +490,7 @@ class ObjectSetSpec(Node):
         #                                 / ("inline", BracedValue) / ("param", Value)
         self.extensible = extensible
         self.loc = loc
-        self.members = None             # derived: InfoObjects in order
+        self.objects = None             # derived: InfoObjects in order
 
 
 # ---------------------------------------------------------------- assignments
@@ -586,7 +588,7 @@ class Module(Node):
         self.loc = loc
         self.file = loc.file if loc else None
         self.symbols = {}               # derived: local name -> Assignment
-        self.imported = {}              # derived: imported name -> Assignment
+        self.imported = {}              # derived: imported name -> Module it comes from
         self.types = []                 # derived: named types in generated order
         self.values = []                # derived: ValueAssignments
         self.objects = []               # derived: ObjectAssignments

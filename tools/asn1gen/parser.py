@@ -197,7 +197,8 @@ class Parser:
         """Type, class, parameterised type and object set assignments."""
         name_tok = self.advance()
         params = self.parameter_list() if self.at_sym("{") else None
-        if self.at(L.TYPEREF) and not self.peek().is_(L.SYMBOL, "."):
+        if (self.at(L.TYPEREF) or self.at_kw("TYPE-IDENTIFIER")) and \
+                not self.peek().is_(L.SYMBOL, "."):
             return self.set_assignment(name_tok, params)
         self.expect_sym("::=")
         if self.at_kw("CLASS"):
@@ -209,7 +210,10 @@ class Parser:
         return M.TypeAssignment(name_tok.text, self.type_(), params, name_tok.loc)
 
     def set_assignment(self, name_tok, params):
-        gov_module, gov_name = self.qualified_reference(L.TYPEREF)
+        if self.at_kw("TYPE-IDENTIFIER"):
+            gov_module, gov_name = None, self.advance().text
+        else:
+            gov_module, gov_name = self.qualified_reference(L.TYPEREF)
         self.expect_sym("::=")
         spec = self.object_set_spec()
         a = M.SetAssignment(name_tok.text, gov_name, gov_module, spec, name_tok.loc)
@@ -219,6 +223,11 @@ class Parser:
     def value_level_assignment(self):
         """Value and information object assignments: name Governor ::= value."""
         name_tok = self.advance()
+        if self.at_kw("TYPE-IDENTIFIER") and self.peek().is_(L.SYMBOL, "::="):
+            self.advance()
+            self.advance()
+            return M.GovernedAssignment(name_tok.text, "TYPE-IDENTIFIER", None, self.value(),
+                                        name_tok.loc)
         if self.at(L.TYPEREF) and (self.peek().is_(L.SYMBOL, "::=")
                                    or self.peek().is_(L.SYMBOL, ".")
                                    and self.peek(2).kind == L.TYPEREF
@@ -783,15 +792,16 @@ class Parser:
                 extensible = True
             elif self.at_sym("{"):
                 brace_loc = self.tok.loc
-                elements.append(("inline", M.BracedValue(self.braced_tokens(), brace_loc)))
-            elif self.at(L.TYPEREF):
+                inline = M.BracedValue(self.braced_tokens(), brace_loc)
+                inline.end_loc = self.toks[self.i - 1].loc
+                elements.append(("inline", inline))
+            elif self.at(L.TYPEREF) or self.at(L.VALUEREF):
+                # Module.name is an object, Module.Name a set: the case of the last
+                # name tells them apart.
                 ref_loc = self.tok.loc
-                module, name = self.qualified_reference(L.TYPEREF)
-                elements.append(("set", M.ValueRef(name, module, ref_loc)))
-            elif self.at(L.VALUEREF):
-                ref_loc = self.tok.loc
-                module, name = self.qualified_reference(L.VALUEREF)
-                elements.append(("object", M.ValueRef(name, module, ref_loc)))
+                module, name = self.qualified_reference(self.tok.kind)
+                kind = "set" if name[0].isupper() else "object"
+                elements.append((kind, M.ValueRef(name, module, ref_loc)))
             else:
                 self.fail("expected an object, an object set or '...'")
             if not (self.accept_sym("|") or self.accept_kw("UNION") or self.accept_sym(",")):
@@ -831,7 +841,9 @@ class Parser:
             self.advance()
             return M.StringValue(t.text, t.loc)
         if t.is_(L.SYMBOL, "{"):
-            return M.BracedValue(self.braced_tokens(), t.loc)
+            value = M.BracedValue(self.braced_tokens(), t.loc)
+            value.end_loc = self.toks[self.i - 1].loc
+            return value
         if t.kind == L.VALUEREF:
             return self.named_or_referenced_value()
         if t.kind == L.TYPEREF and self.peek().is_(L.SYMBOL, "."):
@@ -890,7 +902,7 @@ def parse_file(path):
         return parse_text(f.read(), path)
 
 
-def sub_parser(tokens):
-    """A parser over tokens kept aside earlier (the inside of a BracedValue)."""
-    end_loc = tokens[-1].loc if tokens else None
-    return Parser(list(tokens) + [L.Token(L.EOF, "", end_loc)])
+def sub_parser(braced):
+    """A parser over the tokens of a BracedValue; its end is the closing brace."""
+    end_loc = getattr(braced, "end_loc", None) or braced.loc
+    return Parser(list(braced.tokens) + [L.Token(L.EOF, "", end_loc)])
