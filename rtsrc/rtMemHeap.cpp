@@ -151,11 +151,21 @@ inline void setFreeHead(OSMemBlk* blk, OSMemElemHdr* elem) {
   blk->freeHead = elem ? static_cast<ASN1USINT>(indexOf(blk, elem) + 1) : 0;
 }
 
-/* The free element in front of elem in address order, or null. */
+/* The free element in front of elem in address order, or null. Searched two ways in step,
+ * forward along the free list and backward through elem's neighbours, because each alone is
+ * slow on a common pattern: many free elements before elem, or many live ones. */
 OSMemElemHdr* freePredecessor(OSMemBlk* blk, OSMemElemHdr* elem) {
   OSMemElemHdr* pred = nullptr;
-  for (OSMemElemHdr* f = freeHead(blk); f && f < elem; f = nextFree(f)) pred = f;
-  return pred;
+  OSMemElemHdr* ahead = freeHead(blk);
+  OSMemElemHdr* behind = elem;
+  for (;;) {
+    if (!ahead || ahead >= elem) return pred;
+    pred = ahead;
+    ahead = nextFree(ahead);
+    if (behind->prevOffset == 0) return nullptr;
+    behind = prevElem(blk, behind);
+    if (behind->flags & RTMEMELEM_FREE) return behind;
+  }
 }
 
 void unlinkFree(OSMemBlk* blk, OSMemElemHdr* elem) {
@@ -339,12 +349,12 @@ void promoteBlock(OSMemHeap* heap, OSMemBlk* blk, OSMemBlk* first) {
 
 /* Takes the element from the tail of the first block, newest first, that has room. While the
  * heap keeps a bound on the other tails, a request the first block cannot serve and that is
- * above the bound is refused at once. *pOtherRoom receives a bound on every tail for the block
- * that may be created next. */
-void* allocFromTails(OSMemHeap* heap, unsigned units, ASN1UINT* pOtherRoom) {
+ * above the bound is refused at once; a full search that fails leaves the exact bound behind.
+ * *pAllRoom receives a bound on every tail, for the block that may be created next. */
+void* allocFromTails(OSMemHeap* heap, unsigned units, ASN1UINT* pAllRoom) {
   unsigned need = units + 1;
   OSMemBlk* first = nullptr;
-  ASN1UINT bound = 0;
+  ASN1UINT othersRoom = 0;
   for (OSMemLink* l = heap->blocks; l; l = l->next) {
     if (isLarge(l)) continue;
     OSMemBlk* blk = blockOfLink(l);
@@ -355,15 +365,23 @@ void* allocFromTails(OSMemHeap* heap, unsigned units, ASN1UINT* pOtherRoom) {
       }
       return carveAtTail(blk, units);
     }
-    if (tailRoom(blk) > bound) bound = tailRoom(blk);
-    if (first) continue;
+    if (first) {
+      if (tailRoom(blk) > othersRoom) othersRoom = tailRoom(blk);
+      continue;
+    }
     first = blk;
     if ((heap->flags & RT_MH_TAILBOUND) && need > blk->otherTailRoom) {
-      if (blk->otherTailRoom > bound) bound = blk->otherTailRoom;
+      othersRoom = blk->otherTailRoom;
       break;
     }
   }
-  *pOtherRoom = bound;
+  if (!first) {
+    *pAllRoom = 0;
+    return nullptr;
+  }
+  first->otherTailRoom = othersRoom;
+  heap->flags |= RT_MH_TAILBOUND;
+  *pAllRoom = tailRoom(first) > othersRoom ? tailRoom(first) : othersRoom;
   return nullptr;
 }
 
@@ -406,9 +424,9 @@ size_t blockBytesFor(const OSMemHeap* heap, unsigned units) {
   return blkSize;
 }
 
-/* otherRoom bounds the tail room of every block already there; the new block, first in the
+/* allRoom bounds the tail room of every block already there; the new block, first in the
  * list, carries it. */
-void* allocFromNewBlock(OSMemHeap* heap, unsigned units, ASN1UINT otherRoom) {
+void* allocFromNewBlock(OSMemHeap* heap, unsigned units, ASN1UINT allRoom) {
   size_t byteSize = blockBytesFor(heap, units);
   size_t capacity = (byteSize - kCapacitySlackBytes) / kUnit;
   if (capacity > kMaxBlockUnits) {
@@ -423,7 +441,7 @@ void* allocFromNewBlock(OSMemHeap* heap, unsigned units, ASN1UINT otherRoom) {
   link->flags = RTMEMSTD | RTMEMLINK;
   blk->plink = link;
   blk->totalUnits = static_cast<ASN1USINT>(capacity);
-  blk->otherTailRoom = otherRoom;
+  blk->otherTailRoom = allRoom;
   clearBlock(blk);
   pushLink(heap, link);
   heap->blockUnits += blk->totalUnits;
@@ -572,10 +590,10 @@ void* rtMemHeapAlloc(OSMemHeap** ppHeap, size_t nbytes) {
   OSMemHeap* heap = *ppHeap;
   if (nbytes >= kLargeMinBytes) return allocLarge(heap, nbytes);
   unsigned units = unitsFor(nbytes);
-  ASN1UINT otherRoom;
-  if (void* mem = allocFromTails(heap, units, &otherRoom)) return mem;
+  ASN1UINT allRoom;
+  if (void* mem = allocFromTails(heap, units, &allRoom)) return mem;
   if (void* mem = allocFromFreeLists(heap, units)) return mem;
-  return allocFromNewBlock(heap, units, otherRoom);
+  return allocFromNewBlock(heap, units, allRoom);
 }
 
 void* rtMemHeapAllocZ(OSMemHeap** ppHeap, size_t nbytes) {

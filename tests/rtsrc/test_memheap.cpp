@@ -76,6 +76,29 @@ std::string checkBlock(OSMemBlk* blk) {
   return checkFreeList(blk, freeIdx);
 }
 
+// The shortcuts the heap keeps: the first block's bound on every other tail, and the flag that
+// says whether any free list can be worth searching.
+std::string checkShortcuts(OSMemHeap* heap) {
+  OSMemBlk* first = nullptr;
+  bool anyFree = false;
+  for (OSMemLink* l = heap->blocks; l; l = l->next) {
+    if (l->flags & RTMEMRAW) continue;
+    OSMemBlk* blk = static_cast<OSMemBlk*>(l->memBlk);
+    anyFree = anyFree || blk->freeUnits != 0;
+    if (!first) {
+      first = blk;
+      continue;
+    }
+    unsigned room = blk->totalUnits - blk->tailIndex;
+    if ((heap->flags & RT_MH_TAILBOUND) && room > first->otherTailRoom) {
+      return "a tail is larger than the first block's bound";
+    }
+  }
+  if ((heap->flags & RT_MH_TAILBOUND) && !first) return "tail bound without a block";
+  if (anyFree && !(heap->flags & RT_MH_MAYFREE)) return "free elements the heap does not know of";
+  return "";
+}
+
 std::string checkHeap(OSMemHeap* heap) {
   ASN1UINT units = 0, count = 0, emptyUnits = 0, emptyCount = 0;
   std::vector<OSMemLink*> links;
@@ -106,7 +129,7 @@ std::string checkHeap(OSMemHeap* heap) {
   if (heap->emptyUnits != emptyUnits || heap->emptyCount != emptyCount) {
     return "wrong empty-block counters";
   }
-  return "";
+  return checkShortcuts(heap);
 }
 
 size_t blockRequest(size_t nominal) { return blockAllocBytes(nominal); }
@@ -304,7 +327,9 @@ TEST_F(MemHeapTest, EmptyBlocksAreKeptUnlessTheHeapSaysOtherwise) {
 
   ASN1UINT dontKeep = RT_MH_DONTKEEPFREE | 0xF0000000u;
   rtMemHeapSetProperty(&heap_, OSRTMH_PROPID_SETFLAGS, &dontKeep);
-  EXPECT_EQ(heap_->flags, RT_MH_FREEHEAPDESC | RT_MH_DONTKEEPFREE) << "top bits are the heap's";
+  EXPECT_EQ(heap_->flags & ~(RT_MH_TAILBOUND | RT_MH_MAYFREE),
+            RT_MH_FREEHEAPDESC | RT_MH_DONTKEEPFREE)
+      << "top bits are the heap's";
   rtMemHeapFreePtr(&heap_, p);
   EXPECT_EQ(hooks_.log().outstanding, blocksOut - 1);
   EXPECT_EQ(heap_->blockCount, 0u);
@@ -312,7 +337,7 @@ TEST_F(MemHeapTest, EmptyBlocksAreKeptUnlessTheHeapSaysOtherwise) {
   EXPECT_EQ(heap_->blocks, nullptr);
   ASN1UINT all = 0xFFFFFFFFu;
   rtMemHeapSetProperty(&heap_, OSRTMH_PROPID_CLEARFLAGS, &all);
-  EXPECT_EQ(heap_->flags, RT_MH_FREEHEAPDESC);
+  EXPECT_EQ(heap_->flags & ~(RT_MH_TAILBOUND | RT_MH_MAYFREE), RT_MH_FREEHEAPDESC);
 
   // A limit on kept units: the second empty block would exceed it and goes back.
   heap_->emptyLimit = 600;
@@ -408,6 +433,26 @@ TEST_F(MemHeapTest, SavedElementsSurviveBulkReleaseButNotTheLastReference) {
   // The final release returns everything, saved or not (TearDown checks the hooks).
   rtMemHeapMarkSaved(&heap_, drop, 1);
   rtMemHeapMarkSaved(&heap_, rtMemHeapAlloc(&heap_, 600000), 1);
+}
+
+TEST_F(MemHeapTest, ResetBlocksServeTheNextMessageBeforeNewOnes) {
+  auto decodeMessage = [&] {
+    for (int i = 0; i < 2000; i++) ASSERT_NE(rtMemHeapAlloc(&heap_, 8 + i % 50), nullptr);
+  };
+  decodeMessage();
+  size_t hookCalls = hooks_.log().mallocSizes.size();
+  ASN1UINT blocks = heap_->blockCount;
+  ASSERT_GT(blocks, 10u);
+  for (int round = 0; round < 3; round++) {
+    rtMemHeapReset(&heap_);
+    EXPECT_EQ(heap_->emptyCount, blocks);
+    EXPECT_EQ(checkHeap(heap_), "");
+    decodeMessage();
+    EXPECT_EQ(checkHeap(heap_), "");
+  }
+  EXPECT_EQ(hooks_.log().mallocSizes.size(), hookCalls) << "the same message fits the kept blocks";
+  EXPECT_EQ(heap_->blockCount, blocks);
+  EXPECT_EQ(heap_->emptyCount, 0u);
 }
 
 TEST_F(MemHeapTest, ReferenceCountsShareOneHeap) {
@@ -546,14 +591,19 @@ TEST_F(MemHeapTest, RandomWorkloadKeepsEveryInvariant) {
       return it->first;
     };
     for (int step = 0; step < 5000; step++) {
-      unsigned op = rng() % 10;
-      if (op < 5 || live.empty()) {
+      unsigned op = rng() % 1000;
+      if (op < 3) {
+        // Bulk release now and then, so that kept blocks are taken back into use.
+        if (op == 0) rtMemHeapFreeAll(&heap_);
+        else rtMemHeapReset(&heap_);
+        live.clear();
+      } else if (op < 500 || live.empty()) {
         size_t n = pickSize();
         auto* p = static_cast<ASN1OCTET*>(rtMemHeapAlloc(&heap_, n));
         ASSERT_NE(p, nullptr);
         ASSERT_EQ(live.count(p), 0u) << "handed out twice at step " << step;
         fill(p, n);
-      } else if (op < 8) {
+      } else if (op < 800) {
         ASN1OCTET* p = pickLive();
         ASSERT_TRUE(intact(p, live[p].first)) << "overwritten at step " << step;
         live.erase(p);

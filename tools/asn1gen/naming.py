@@ -29,6 +29,7 @@ set is declared.
 
 from . import model as M
 from .errors import AsnError, AsnErrors
+from .resolve import iter_constraint_nodes
 
 LIST_KINDS = ("SEQUENCE OF", "SET OF")
 STRUCTURED_KINDS = ("SEQUENCE", "SET", "CHOICE") + LIST_KINDS
@@ -70,16 +71,13 @@ class ModuleNamer:
         self.module = module
         self.shared_lists = {}          # _SeqOf/_SetOf name -> TypeAssignment
         self.lifted = {}                # assignment -> the types lifted out of it
-        self.placed = set()
-        self.placing = set()
+        self.visited = set()
         self.order = []
+        self.follow_foreign = True
 
-    def run(self):
+    def lift_all(self):
         for a in self.module.assignments:
             self.lift_assignment(a)
-        for a in self.module.assignments:
-            self.place(a)
-        self.module.types = self.order
 
     # ------------------------------------------------------------ lifting
 
@@ -189,43 +187,73 @@ class ModuleNamer:
 
     # ------------------------------------------------------------ order
 
-    def place(self, a):
-        if a in self.placed or a in self.placing or a.module is not self.module:
-            return
-        self.placing.add(a)
-        if isinstance(a, M.TypeAssignment) and not a.params:
-            for dep in self.embedded(a.type):
-                self.place(dep)
-        for inner in self.lifted.get(a, []):
-            self.place(inner)
-        if isinstance(a, M.TypeAssignment) and not a.params:
-            self.order.append(a)
-        self.placing.discard(a)
-        self.placed.add(a)
+    def order_types(self, follow_foreign=False):
+        self.follow_foreign = follow_foreign
+        for a in self.module.assignments:
+            if isinstance(a, M.TypeAssignment) and not a.params:
+                self.visit(a)
+            else:
+                for inner in self.lifted.get(a, []):
+                    self.visit(inner)
+        self.module.types = self.order
 
-    def embedded(self, t):
-        """Types of this module that `t` holds by value and so must precede it."""
+    def visit(self, a):
+        """Depth first: what a type refers to comes before it. A type met again while
+        it is being visited (a cycle) is left where its first visit puts it."""
+        if a in self.visited:
+            return
+        if a.module is not self.module and not self.follow_foreign:
+            return
+        self.visited.add(a)
+        for dep in self.references(a.type):
+            self.visit(dep)
+        if a.module is self.module:
+            self.order.append(a)
+
+    def references(self, t):
+        """The types `t` refers to, in the order of its text: component and
+        alternative types, list elements, alias targets, and the types carried by the
+        object sets of table constraints."""
         if isinstance(t, M.TypeRef):
             return [t.target] if t.target is not None else []
-        deps = []
+        out = []
         if isinstance(t, M.SequenceType):
-            for c in t.components:
-                if isinstance(c.type, M.TypeRef) and c.type.target is not None and \
-                        underlying(c.type).kind not in LIST_KINDS:
-                    deps.append(c.type.target)
+            inner = [c.type for c in t.components]
         elif isinstance(t, M.ChoiceType):
-            for alt in t.alternatives:
-                # Alternatives of a structured type are held through pointers, which
-                # need no definition; the others are held as the alias itself.
-                if isinstance(alt.type, M.TypeRef) and alt.type.target is not None and \
-                        underlying(alt.type).kind not in STRUCTURED_KINDS:
-                    deps.append(alt.type.target)
-        return deps
+            inner = [c.type for c in t.alternatives]
+        elif isinstance(t, M.SequenceOfType):
+            inner = [t.element]
+        else:
+            inner = []
+        for child in inner:
+            out.extend(self.references(child))
+            out.extend(carried_by_tables(child))
+        out.extend(carried_by_tables(t) if not inner else [])
+        return out
+
+
+def carried_by_tables(t):
+    """Types carried by the objects of the table constraints on `t` (also inside a
+    CONTAINING constraint)."""
+    out = []
+    for c in t.constraints:
+        for node in iter_constraint_nodes(c):
+            if isinstance(node, M.TableConstraint):
+                for obj in node.object_set.objects or []:
+                    out.extend(a for a in obj.carried.values() if a is not None)
+            elif isinstance(node, M.ContentsConstraint) and node.type is not None:
+                out.extend(carried_by_tables(node.type))
+    return out
 
 
 def name_modules(modules):
-    for m in modules:
-        ModuleNamer(m).run()
+    # Every module's objects must know what they carry before any order is made:
+    # the order follows table constraints into other modules' object sets.
+    namers = [ModuleNamer(m) for m in modules]
+    for namer in namers:
+        namer.lift_all()
+    for namer in namers:
+        namer.order_types()
     check_unique_names(modules)
 
 
