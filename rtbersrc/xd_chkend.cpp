@@ -9,8 +9,8 @@ int xd_chkend(ASN1CTXT* pctxt, ASN1CCB* ccb_p) {
   const ASN1BUFFER& buf = pctxt->buffer;
   if (ccb_p->len == ASN_K_INDEFLEN) {
     ASN1UINT idx = buf.byteIndex;
-    ASN1TagType tag;
-    int len;
+    ASN1TagType tag = 0;
+    int len = 0;
     int stat = readHeader(pctxt, &idx, &tag, &len);
     /* Any other bad header is left for the element decoder to report. */
     if (stat == ASN_E_ENDOFBUF) return 1;

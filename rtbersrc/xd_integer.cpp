@@ -29,7 +29,7 @@ int decodeSigned(ASN1CTXT* pctxt, ASN1INT64* value_p, ASN1UINT width, ASN1OCTET 
 template <typename T>
 int decodeSignedInto(ASN1CTXT* pctxt, T* object_p, ASN1OCTET identifier, int tagging,
                      int length) {
-  ASN1INT64 value;
+  ASN1INT64 value = 0;
   int stat = decodeSigned(pctxt, &value, sizeof(T), identifier, tagging, length);
   if (stat < 0) return stat;
   *object_p = (T)value;

@@ -29,7 +29,7 @@ int decodeUnsigned(ASN1CTXT* pctxt, ASN1UINT64* value_p, ASN1UINT width, int tag
 
 template <typename T>
 int decodeUnsignedInto(ASN1CTXT* pctxt, T* object_p, int tagging, int length) {
-  ASN1UINT64 value;
+  ASN1UINT64 value = 0;
   int stat = decodeUnsigned(pctxt, &value, sizeof(T), tagging, length);
   if (stat < 0) return stat;
   *object_p = (T)value;

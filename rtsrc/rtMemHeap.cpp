@@ -590,7 +590,7 @@ void* rtMemHeapAlloc(OSMemHeap** ppHeap, size_t nbytes) {
   OSMemHeap* heap = *ppHeap;
   if (nbytes >= kLargeMinBytes) return allocLarge(heap, nbytes);
   unsigned units = unitsFor(nbytes);
-  ASN1UINT allRoom;
+  ASN1UINT allRoom = 0;
   if (void* mem = allocFromTails(heap, units, &allRoom)) return mem;
   if (void* mem = allocFromFreeLists(heap, units)) return mem;
   return allocFromNewBlock(heap, units, allRoom);

@@ -97,7 +97,8 @@ QN_API int xd_count(ASN1CTXT* pctxt, int length, int* count_p);
 
 /* Full length (header, contents and end-of-contents octets) of the encoding at msg_p, whose
  * outer length is indefinite, reading at most bufSize octets (below 1: 0x7FFFFFFF). Returns the
- * length, or -5 for a definite outer length, -2 when the data end first. Records nothing. */
+ * length, or -5 for a definite outer length, -2 when the data end first, -30 for a null msg_p.
+ * Records nothing: there is no context. */
 QN_API int xd_indeflen_ex(const ASN1OCTET* msg_p, int bufSize);
 
 QN_API void xu_SaveBufferState(ASN1CTXT* pctxt, ASN1BUFSAVE* pSavedInfo);
@@ -169,7 +170,9 @@ QN_API int xd_32BitCharStr(ASN1CTXT* pctxt, Asn132BitCharString* object_p, int t
                            ASN1TagType tag, int length);
 
 /* OBJECT IDENTIFIER with 32-bit or 64-bit arcs, RELATIVE-OID. -5 when empty, -4 when an arc
- * overflows its width or more than 128 arcs are given. */
+ * overflows its width. More than 128 arcs keep the first 128 and return -4 unrecorded, for
+ * the caller to record. A last subidentifier cut off by the end of the contents is taken as
+ * it stands. */
 QN_API int xd_objid(ASN1CTXT* pctxt, ASN1OBJID* object_p, int tagging, int length);
 QN_API int xd_oid64(ASN1CTXT* pctxt, ASN1OID64* object_p, int tagging, int length);
 QN_API int xd_reloid(ASN1CTXT* pctxt, ASN1RELOID* object_p, int tagging, int length);

@@ -22,28 +22,41 @@ QN_API int rtInitSubContext(ASN1CTXT* pctxt, ASN1CTXT* pParent);
 QN_API ASN1CTXT* rtNewContext(void);
 /* Releases buffer, stream, lists, error parameters and heaps; nothing on an uninitialised one. */
 QN_API void rtFreeContext(ASN1CTXT* pctxt);
+/* Copies the buffer descriptor and the flags; heaps, error record and buffer ownership stay. */
 QN_API void rtCopyContext(ASN1CTXT* pdest, ASN1CTXT* psrc);
 /* Swaps the buffers of a and b and gives a the flags of b (one way, by design). */
 QN_API void rtXchgContext(ASN1CTXT* pctxt1, ASN1CTXT* pctxt2);
 QN_API void rtCtxtSetFlag(ASN1CTXT* pctxt, ASN1UINT mask);
 QN_API void rtCtxtClearFlag(ASN1CTXT* pctxt, ASN1UINT mask);
+/* Decoders point into the message instead of copying (ASN1FASTCOPY), or copy again. */
 QN_API void rtSetFastCopy(ASN1CTXT* pctxt);
 QN_API void rtSetCopyValues(ASN1CTXT* pctxt);
+/* Makes pctxt use (and hold a reference to) pSrcCtxt's memHeap or msgMemHeap, releasing its
+ * own; nothing when they are already the same. */
 QN_API void rtCtxtSetMemHeap(ASN1CTXT* pctxt, ASN1CTXT* pSrcCtxt);
 QN_API void rtCtxtSetMsgMemHeap(ASN1CTXT* pctxt, ASN1CTXT* pSrcCtxt);
 
-/* Error record. */
+/* Error record. rtErrSetData keeps the first status since the last reset, adds {module, line}
+ * to the trace (at most 8 entries) and returns its status argument. */
 QN_API int rtErrSetData(ASN1ErrInfo* pErrInfo, int status, const char* module, int lineno);
+/* Parameters are malloc'ed copies filling the message's "%s" places in order; at most 5.
+ * 1 when stored, 0 when refused. A tag shows as "[UNIVERSAL n]", "[APPLICATION n]", "[n]" or
+ * "[PRIVATE n]" with the number's low 13 bits. */
 QN_API int rtErrAddStrParm(ASN1ErrInfo* pErrInfo, const char* errprm_p);
 QN_API int rtErrAddIntParm(ASN1ErrInfo* pErrInfo, int errParm);
 QN_API int rtErrAddUIntParm(ASN1ErrInfo* pErrInfo, unsigned int errParm);
 QN_API int rtErrAddTagParm(ASN1ErrInfo* pErrInfo, ASN1TagType errParm);
+/* Frees the parameters and clears the status; the trace stays. */
 QN_API void rtErrFreeParms(ASN1ErrInfo* pErrInfo);
+/* Empties the record: parameters, status and trace. */
 QN_API int rtErrReset(ASN1ErrInfo* pErrInfo);
+/* Gives the destination the source's status (overwriting) and appends its parameters and trace
+ * within the limits; returns the source's status. */
 QN_API int rtErrCopyData(ASN1ErrInfo* pSrcErrInfo, ASN1ErrInfo* pDestErrInfo);
 /* Writes the message of the recorded status into bufp, which must hold the longest message. */
 QN_API char* rtErrFmtMsg(ASN1ErrInfo* pErrInfo, char* bufp);
-/* The full report in memory from the context's heap; consumes the error record. */
+/* The full report in memory from the context's heap (stack depth x 100 + 700 bytes; longer text
+ * is cut); consumes the error record. Null when the heap has no memory. */
 QN_API char* rtErrGetText(ASN1CTXT* pctxt);
 /* The full report on standard output; consumes the error record. */
 QN_API void rtErrPrint(ASN1ErrInfo* pErrInfo);

@@ -300,8 +300,8 @@ TEST(XdRoundTrip, BigIntegerTextIsStable) {
   const char* texts[] = {"0x00", "0x01", "0x7f", "0x80", "0xff", "0x0100",
                          "0x00ffeeddccbbaa99887766554433221100ffeeddccbbaa99887766554433221100",
                          "-0x01", "-0x80", "-0x81", "-0x0100", "-0x8000",
-                         "-0xffeeddccbbaa99887766554433221100ffeeddccbbaa99887766554433221100"
-                         "ffeeddccbbaa99887766554433221100ffeeddccbbaa99887766554433221100"};
+                         ("-0xffeeddccbbaa99887766554433221100ffeeddccbbaa99887766554433221100"
+                          "ffeeddccbbaa99887766554433221100ffeeddccbbaa99887766554433221100")};
   for (const char* text : texts) {
     EncodeHarness e;
     ASSERT_GT(xe_bigint(e.ctxt(), text, ASN1EXPL), 0) << text;

@@ -262,18 +262,13 @@ TEST(ErrorRecord, ForwardersActOnTheContextRecord) {
   ASN1CTXT ctxt;
   ASSERT_EQ(rtInitContext(&ctxt, nullptr), 0);
   xu_error(&ctxt, ASN_E_CONSVIO, "m", 1);
-  EXPECT_EQ(xu_addErrParm(&ctxt, "version"), 1);
-  EXPECT_EQ(xu_addIntErrParm(&ctxt, -2), 1);
-  EXPECT_EQ(xu_addUnsignedErrParm(&ctxt, 2), 1);
-  EXPECT_EQ(xu_addTagErrParm(&ctxt, TM_CTXT | 1), 1);
+  xu_addErrParm(&ctxt, "version");
+  xu_addIntErrParm(&ctxt, -2);
   char buf[256];
   EXPECT_STREQ(xu_fmtErrMsg(&ctxt, buf), "Value constraint violation: field version, value -2");
-  EXPECT_STREQ(ctxt.errInfo.parms[3], "[1]");
   xu_freeErrParms(&ctxt);
-  EXPECT_EQ(ctxt.errInfo.status, 0);
   EXPECT_EQ(ctxt.errInfo.parmcnt, 0);
   EXPECT_EQ(ctxt.errInfo.stkx, 1);
-  EXPECT_EQ(xu_error(nullptr, ASN_E_INVLEN, "m", 1), ASN_E_INVLEN);
   rtFreeContext(&ctxt);
 }
 

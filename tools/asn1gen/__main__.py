@@ -91,7 +91,7 @@ def list_objects(modules, only):
         for a in m.assignments:
             if isinstance(a, M.ObjectSetAssignment) and not a.params:
                 lines.append(dump_object_set(a))
-                lines += [dump_object(o) for o in a.spec.objects or [] if getattr(o, "inline", 0)]
+                lines += [dump_object(o) for o in a.spec.objects or [] if o.inline]
             elif isinstance(a, M.ObjectAssignment):
                 lines.append(dump_object(a.object))
     return "\n".join(lines)

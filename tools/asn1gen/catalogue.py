@@ -181,7 +181,7 @@ def compare_object_sets(cat, modules, report):
 
 def compare_table_types(cat, modules, report):
     made = sorted(a.generated_name for m in modules for a in m.types
-                  if getattr(a, "table_constrained", False))
+                  if a.table_constrained)
     for n in cat.table_constrained:
         if n not in made:
             report.failures.append("table-constrained type %s is not table-constrained "

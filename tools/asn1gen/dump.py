@@ -167,17 +167,17 @@ class Dumper:
 
     def type_assignment(self, a):
         t = a.type
-        where = " (lifted)" if getattr(a, "lifted_from", False) else ""
+        where = " (lifted)" if a.lifted_from else ""
         self.out(0, "%s.%s%s  %s" % (a.module.name, a.generated_name, where, a.loc or ""))
         self.out(1, "ASN.1: %s" % self.definition_text(a))
         self.out(1, "value type: ASN1T_%s = %s" % (a.generated_name, t.repr))
         self.out(1, "tags: %s" % wire_text(t.wire_tags))
         for c in t.constraints:
             self.out(1, "constraint: %s" % constraint_text(c))
-        if getattr(t, "instance_of", None) is not None:
+        if t.instance_of is not None:
             self.out(1, "instance of parameterised type %s" % t.instance_of.name)
         self.details(t)
-        if getattr(a, "table_constrained", False):
+        if a.table_constrained:
             self.out(1, "table constraint functions: asn1ETC_%s, asn1DTC_%s"
                      % (a.generated_name, a.generated_name))
         lifted = [c for c in lifted_children(t)]
@@ -187,6 +187,8 @@ class Dumper:
 
     def definition_text(self, a):
         t = a.type
+        if getattr(t, "instance_of_class", None):
+            return "INSTANCE OF %s, that is %s" % (t.instance_of_class, type_text(t))
         if isinstance(t, M.TypeRef) and t.target is not None:
             return "%s  (-> %s)" % (type_text(t), type_text(underlying(t)))
         return type_text(t)
@@ -233,7 +235,7 @@ class Dumper:
         if c.optional:
             mark = "  OPTIONAL"
         elif c.default is not None:
-            value = getattr(c, "default_value", None)
+            value = c.default_value
             shown = value_text(c.default)
             if value is not None and value_text(value) != shown:
                 shown += " (= %s)" % value_text(value)
@@ -267,7 +269,7 @@ class Dumper:
 
 def lifted_children(t):
     for child in child_types(t):
-        if getattr(child, "lifted", False) and child.target is not None:
+        if isinstance(child, M.TypeRef) and child.lifted and child.target is not None:
             yield child.target.generated_name
 
 
@@ -278,8 +280,7 @@ def dump_type(a):
 def dump_values(module):
     lines = []
     for a in module.assignments:
-        if isinstance(a, M.ValueAssignment) and isinstance(getattr(a, "evaluated", None),
-                                                           M.OidValue):
+        if isinstance(a, M.ValueAssignment) and isinstance(a.evaluated, M.OidValue):
             lines.append("%s = %s  (%d arcs)" % (a.name.replace("-", "_"), a.evaluated.dotted(),
                                                  len(a.evaluated.arcs)))
     return "\n".join(lines)
@@ -295,8 +296,7 @@ def dump_object(obj):
             carried = obj.carried.get(name)
             lines.append("  %s = %s%s" % (name, type_text(setting),
                                          "  (type %s)" % carried.generated_name if carried
-                                         is not None and hasattr(carried, "generated_name")
-                                         else ""))
+                                         is not None else ""))
         else:
             lines.append("  %s = %s" % (name, value_text(setting)))
     return "\n".join(lines)

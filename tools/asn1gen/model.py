@@ -29,6 +29,7 @@ class Tag(Node):
         self.number = number            # int, or a Value naming an INTEGER constant
         self.mode = mode                # "EXPLICIT", "IMPLICIT" or None (module default)
         self.loc = loc
+        self.forced_explicit = False    # derived: written IMPLICIT where no tag can be replaced
 
 
 class WireTag:
@@ -76,10 +77,8 @@ class Type(Node):
         self.repr = None                # derived: represent.Representation
         self.name = None                # derived: the generated name when it has one
         self.module = None              # derived: the Module this node belongs to
-
-    def builtin(self):
-        """The kind of the type once references are followed (derived)."""
-        return self.kind
+        self.instance_of = None         # derived: the parameterised TypeAssignment it instantiates
+        self.automatic_tag = False      # derived: its first tag was given by AUTOMATIC TAGS
 
 
 class PrimitiveType(Type):
@@ -137,6 +136,7 @@ class Component(Node):
         self.loc = loc
         self.presence_bit = None        # derived: bit number in "m", or None
         self.table = None               # derived: TableLink when table-constrained
+        self.default_value = None       # derived: the DEFAULT as the type reads it
 
 
 class ComponentsOf(Node):
@@ -161,6 +161,8 @@ class SequenceType(Type):
         self.members = members          # Component, ComponentsOf, ExtensionMarker as written
         self.components = None          # derived: Components after COMPONENTS OF expansion
         self.extensible = any(isinstance(m, ExtensionMarker) for m in members)
+        self.presence_bits = None       # derived: number of bits in "m"
+        self.instance_of_class = None   # derived: the class name when it expands INSTANCE OF
 
 
 class ChoiceType(Type):
@@ -194,6 +196,7 @@ class TypeRef(Type):
         self.module_name = module_name
         self.actual_params = actual_params
         self.target = None              # derived: TypeAssignment
+        self.lifted = False             # derived: stands for an inline type lifted out
 
 
 class ClassFieldType(Type):
@@ -225,7 +228,6 @@ class InstanceOfType(Type):
     def __init__(self, class_ref, loc=None):
         super().__init__(loc)
         self.class_ref = class_ref
-        self.expansion = None           # derived: the SequenceType it stands for
 
 
 # ---------------------------------------------------------------- values
@@ -347,6 +349,7 @@ class SingleValue(Node):
     def __init__(self, value, loc=None):
         self.value = value
         self.loc = loc
+        self.evaluated = None           # derived: int (or value) it stands for
 
 
 class ValueRange(Node):
@@ -356,6 +359,8 @@ class ValueRange(Node):
         self.lower_open = lower_open
         self.upper_open = upper_open
         self.loc = loc
+        self.lower_value = None         # derived: int or "MIN"
+        self.upper_value = None         # derived: int or "MAX"
 
 
 class SizeConstraint(Node):
@@ -478,7 +483,11 @@ class InfoObject(Node):
         self.settings = settings or {}
         self.loc = loc
         self.module = None
-        self.carried = {}               # derived: type field -> lifted or referenced Type
+        self.source = None              # the braced definition or the object it copies
+        self.inline = False             # defined inside an object set, named <Set>_<n>
+        self.cls = None                 # derived: ObjectClass
+        self.defined = False            # derived: settings have been read
+        self.carried = {}               # derived: type field -> TypeAssignment carried
 
 
 class ObjectSetSpec(Node):
@@ -515,6 +524,10 @@ class TypeAssignment(Assignment):
         super().__init__(name, loc)
         self.type = type_
         self.params = params
+        self.generated_name = None      # derived: the name in generated code
+        self.lifted_from = False        # derived: made by lifting an inline type
+        self.table_constrained = False  # derived: gets table-constraint functions
+        self.repr = None                # derived: Representation of its values
 
 
 class ValueAssignment(Assignment):
@@ -522,6 +535,7 @@ class ValueAssignment(Assignment):
         super().__init__(name, loc)
         self.governor = governor        # Type
         self.value = value
+        self.evaluated = None           # derived: OidValue, IntegerValue or the value
 
 
 class ClassAssignment(Assignment):

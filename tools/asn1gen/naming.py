@@ -19,17 +19,17 @@ Which inline types are lifted, and how they are named:
  - a type carried by an information object and not written as a plain reference:
    _<object>_<field> (the field without its "&").
 
-Order of a module's types (the layout of its generated code): declaration order;
-a type's lifted inline types come right before it, innermost first, in the order of
-its components; a type that another embeds by value (a component that is not a
-list, the target of an alias, a scalar CHOICE alternative) is placed before it;
-types lifted from an information object or an object set come where the object or
-set is declared.
+Order of a module's types (the layout of its generated code): declaration order,
+where each type is preceded, in the order of its components, by the types lifted out
+of it and by the types of its module it holds by value (a component that is not a
+list, the target of an alias, a CHOICE alternative held as a scalar); a list's lifted
+element comes right before the list; types lifted from an information object or an
+object set come where the object or set is declared. A type met again while it is
+being placed (a cycle) keeps the place its first visit gives it.
 """
 
 from . import model as M
 from .errors import AsnError, AsnErrors
-from .resolve import iter_constraint_nodes
 
 LIST_KINDS = ("SEQUENCE OF", "SET OF")
 STRUCTURED_KINDS = ("SEQUENCE", "SET", "CHOICE") + LIST_KINDS
@@ -71,9 +71,9 @@ class ModuleNamer:
         self.module = module
         self.shared_lists = {}          # _SeqOf/_SetOf name -> TypeAssignment
         self.lifted = {}                # assignment -> the types lifted out of it
-        self.visited = set()
+        self.placed = set()
+        self.placing = set()
         self.order = []
-        self.follow_foreign = True
 
     def lift_all(self):
         for a in self.module.assignments:
@@ -91,7 +91,7 @@ class ModuleNamer:
         elif isinstance(a, M.ObjectSetAssignment) and not a.params:
             found = []
             for obj in a.spec.objects or []:
-                if getattr(obj, "inline", False) and obj.module is self.module:
+                if obj.inline and obj.module is self.module:
                     found.extend(self.lift_object(obj))
             self.lifted[a] = found
 
@@ -114,10 +114,14 @@ class ModuleNamer:
             return t
         own_name = "%s_%s" % (prefix, generated_name(component))
         if isinstance(t, M.SequenceOfType):
-            t.element = self.lift_element(t.element, own_name, out)
+            # The element is named after the component, but belongs to the list: it
+            # is placed right before the list.
+            element_out = []
+            t.element = self.lift_element(t.element, own_name, element_out)
             shared = self.shared_list_name(t)
-            if shared:
-                return self.share_list(t, shared, out)
+            ref = self.share_list(t, shared, out) if shared else self.lift_as(t, own_name, out)
+            self.lifted[ref.target] = element_out + self.lifted.get(ref.target, [])
+            return ref
         return self.lift_as(t, own_name, out)
 
     def lift_element(self, t, prefix, out):
@@ -133,7 +137,7 @@ class ModuleNamer:
         target = t.element.target
         if target is None:
             return None
-        element = getattr(target, "generated_name", None) or generated_name(target.name)
+        element = target.generated_name or generated_name(target.name)
         return ("_SeqOf" if t.kind == "SEQUENCE OF" else "_SetOf") + element
 
     def share_list(self, t, name, out):
@@ -152,7 +156,6 @@ class ModuleNamer:
         a.module = self.module
         a.generated_name = name
         a.lifted_from = True
-        a.table_constrained = False
         self.lifted[a] = nested
         out.append(a)
         return self.reference(a, t)
@@ -163,13 +166,12 @@ class ModuleNamer:
         ref.target = a
         ref.tags, t.tags = t.tags, []
         ref.lifted = True
-        if getattr(t, "automatic_tag", False):
-            ref.automatic_tag = True
+        ref.automatic_tag = t.automatic_tag
         return ref
 
     def lift_object(self, obj):
         out = []
-        cls = getattr(obj, "cls", None)
+        cls = obj.cls
         if cls is None:
             return out
         for field_name, setting in list(obj.settings.items()):
@@ -187,68 +189,57 @@ class ModuleNamer:
 
     # ------------------------------------------------------------ order
 
-    def order_types(self, follow_foreign=False):
-        self.follow_foreign = follow_foreign
+    def order_types(self):
         for a in self.module.assignments:
-            if isinstance(a, M.TypeAssignment) and not a.params:
-                self.visit(a)
-            else:
-                for inner in self.lifted.get(a, []):
-                    self.visit(inner)
+            self.place(a)
         self.module.types = self.order
 
-    def visit(self, a):
-        """Depth first: what a type refers to comes before it. A type met again while
-        it is being visited (a cycle) is left where its first visit puts it."""
-        if a in self.visited:
+    def place(self, a):
+        if a in self.placed or a in self.placing or a.module is not self.module:
             return
-        if a.module is not self.module and not self.follow_foreign:
-            return
-        self.visited.add(a)
-        for dep in self.references(a.type):
-            self.visit(dep)
-        if a.module is self.module:
+        self.placing.add(a)
+        if isinstance(a, M.TypeAssignment) and not a.params:
+            for dep in self.embedded(a.type):
+                self.place(dep)
+        for inner in self.lifted.get(a, []):
+            self.place(inner)
+        if isinstance(a, M.TypeAssignment) and not a.params:
             self.order.append(a)
+        self.placing.discard(a)
+        self.placed.add(a)
 
-    def references(self, t):
-        """The types `t` refers to, in the order of its text: component and
-        alternative types, list elements, alias targets, and the types carried by the
-        object sets of table constraints."""
+    def embedded(self, t):
+        """Types of this module that must precede `t`, in the order of its text: its
+        lifted inline types, and the types it holds by value (a component that is not
+        a list, the target of an alias, a CHOICE alternative held as a scalar)."""
         if isinstance(t, M.TypeRef):
             return [t.target] if t.target is not None else []
-        out = []
+        deps = []
         if isinstance(t, M.SequenceType):
-            inner = [c.type for c in t.components]
+            for c in t.components:
+                if self.precedes(c.type, by_pointer=False):
+                    deps.append(c.type.target)
         elif isinstance(t, M.ChoiceType):
-            inner = [c.type for c in t.alternatives]
-        elif isinstance(t, M.SequenceOfType):
-            inner = [t.element]
-        else:
-            inner = []
-        for child in inner:
-            out.extend(self.references(child))
-            out.extend(carried_by_tables(child))
-        out.extend(carried_by_tables(t) if not inner else [])
-        return out
+            for alt in t.alternatives:
+                if self.precedes(alt.type, by_pointer=True):
+                    deps.append(alt.type.target)
+        return deps
 
-
-def carried_by_tables(t):
-    """Types carried by the objects of the table constraints on `t` (also inside a
-    CONTAINING constraint)."""
-    out = []
-    for c in t.constraints:
-        for node in iter_constraint_nodes(c):
-            if isinstance(node, M.TableConstraint):
-                for obj in node.object_set.objects or []:
-                    out.extend(a for a in obj.carried.values() if a is not None)
-            elif isinstance(node, M.ContentsConstraint) and node.type is not None:
-                out.extend(carried_by_tables(node.type))
-    return out
+    @staticmethod
+    def precedes(t, by_pointer):
+        if not isinstance(t, M.TypeRef) or t.target is None:
+            return False
+        if t.lifted:
+            return True
+        kind = underlying(t).kind
+        # A structured CHOICE alternative is held through a pointer and a list
+        # through the runtime's list record: neither needs the type's definition.
+        return kind not in (STRUCTURED_KINDS if by_pointer else LIST_KINDS)
 
 
 def name_modules(modules):
-    # Every module's objects must know what they carry before any order is made:
-    # the order follows table constraints into other modules' object sets.
+    # Everything is lifted before anything is ordered: the order follows lifted
+    # types, and a reference may lead to a type lifted in another module.
     namers = [ModuleNamer(m) for m in modules]
     for namer in namers:
         namer.lift_all()

@@ -904,5 +904,5 @@ def parse_file(path):
 
 def sub_parser(braced):
     """A parser over the tokens of a BracedValue; its end is the closing brace."""
-    end_loc = getattr(braced, "end_loc", None) or braced.loc
+    end_loc = braced.end_loc or braced.loc
     return Parser(list(braced.tokens) + [L.Token(L.EOF, "", end_loc)])

@@ -71,11 +71,10 @@ def range_of(node, size):
             return combine(node, [range_of(op, True) for op in node.operands])
         return None
     if isinstance(node, M.SingleValue):
-        v = getattr(node, "evaluated", None)
+        v = node.evaluated
         return (v, v) if isinstance(v, int) else None
     if isinstance(node, M.ValueRange):
-        lo = getattr(node, "lower_value", None)
-        hi = getattr(node, "upper_value", None)
+        lo, hi = node.lower_value, node.upper_value
         lo = lo + (1 if node.lower_open else 0) if isinstance(lo, int) else None
         hi = hi - (1 if node.upper_open else 0) if isinstance(hi, int) else None
         return (lo, hi)

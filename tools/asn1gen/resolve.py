@@ -66,6 +66,9 @@ class Resolver:
             self.modules[m.name] = m
         self.builtin_classes = {"TYPE-IDENTIFIER": type_identifier_class()}
         self._instantiating = []
+        self.resolved = set()           # ids of TypeAssignments already resolved
+        self.evaluation = {}            # id of ValueAssignment -> "busy" or "done"
+        self.eval_depth = 0
 
     # ================================================================ driver
 
@@ -209,9 +212,9 @@ class Resolver:
 
     def resolve_assignment(self, a):
         # Reached both in declaration order and through references: once is enough.
-        if getattr(a, "_resolved", False):
+        if id(a) in self.resolved:
             return
-        a._resolved = True
+        self.resolved.add(id(a))
         a.type = self.resolve_type(a.type)
 
     def resolve_class(self, a):
@@ -304,14 +307,9 @@ class Resolver:
         for member in t.members:
             if isinstance(member, (M.Component, M.ComponentsOf)):
                 member.type = self.resolve_type(member.type)
-                self.resolve_default(member)
         t.components = self.expand_components(t)
         self.apply_automatic_tags(t, t.members)
         return t
-
-    def resolve_default(self, member):
-        if isinstance(member, M.Component) and member.default is not None:
-            set_scope_value(member.default, member.type.module)
 
     def expand_components(self, t):
         components = []
@@ -363,7 +361,7 @@ class Resolver:
         comps = t.components if isinstance(t, M.SequenceType) else t.alternatives
         for number, c in enumerate(comps):
             tag = M.Tag("CONTEXT", number, None, c.loc)
-            if getattr(c.type, "automatic_tag", False):   # included by COMPONENTS OF
+            if c.type.automatic_tag:                      # included by COMPONENTS OF
                 c.type.tags[0] = tag
             else:
                 c.type.tags.insert(0, tag)
@@ -450,22 +448,23 @@ class Resolver:
     def evaluate_assignment(self, a):
         """Evaluate a value assignment once. A fault is recorded by the outermost
         evaluation only, so a value that others depend on is reported once."""
-        if hasattr(a, "evaluated"):
+        state = self.evaluation.get(id(a))
+        if state == "done":
             return a.evaluated
-        if getattr(a, "_evaluating", False):
+        if state == "busy":
             raise AsnError("value '%s' is defined in terms of itself" % a.name, a.loc)
-        a._evaluating = True
-        self._eval_depth = getattr(self, "_eval_depth", 0) + 1
+        self.evaluation[id(a)] = "busy"
+        self.eval_depth += 1
         try:
             a.evaluated = self.evaluate(a.value, a.governor, a.module)
         except AsnError as e:
             a.evaluated = None
-            if self._eval_depth > 1:
+            if self.eval_depth > 1:
                 raise
             self.errors.append(e)
         finally:
-            a._evaluating = False
-            self._eval_depth -= 1
+            self.evaluation[id(a)] = "done"
+            self.eval_depth -= 1
         return a.evaluated
 
     def evaluate(self, value, governor, scope):
@@ -584,7 +583,9 @@ class Resolver:
             for tag in t.tags:
                 if not isinstance(tag.number, int):
                     tag.number = self.integer(tag.number, t.module)
-            for nn in getattr(t, "named_numbers", []) + getattr(t, "named_bits", []):
+            named = t.named_numbers if isinstance(t, M.IntegerType) else \
+                t.named_bits if isinstance(t, M.BitStringType) else []
+            for nn in named:
                 if not isinstance(nn.value, int):
                     nn.value = self.integer(nn.value, t.module)
             if isinstance(t, M.EnumeratedType):
@@ -666,7 +667,7 @@ class Resolver:
                     self.expand_set(a.spec, a.class_ref, m, a.name)
 
     def define_object(self, obj):
-        if getattr(obj, "defined", False):
+        if obj.defined:
             return
         obj.defined = True
         obj.cls = self.class_of(obj.class_ref, obj.module)
@@ -828,7 +829,6 @@ class Resolver:
                     self.link_tables_of(a)
 
     def link_tables_of(self, a):
-        a.table_constrained = False
         top = a.type
         if not isinstance(top, M.SequenceType):
             return
@@ -940,14 +940,10 @@ def set_scope(node, module):
             n.module = module
         for key, value in vars(n).items():
             if key in ("module", "target", "target_class", "field", "repr", "wire_tags",
-                       "cls", "objects", "table", "expansion"):
+                       "cls", "objects", "table"):
                 continue
             if isinstance(value, (M.Node, list, tuple)):
                 stack.append(value)
-
-
-def set_scope_value(value, module):
-    set_scope(value, module)
 
 
 def substitute(node, bindings, memo):

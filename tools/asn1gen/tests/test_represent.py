@@ -2,7 +2,7 @@
 
 import unittest
 
-from asn1gen.tests.support import compile_one, component
+from asn1gen.tests.support import compile_one
 
 
 class RepresentationTest(unittest.TestCase):
