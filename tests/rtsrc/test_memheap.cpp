@@ -153,6 +153,8 @@ TEST(MemHeapLayout, I386Figures) {
   EXPECT_EQ(sizeof(OSMemBlk), 20u);
   EXPECT_EQ(sizeof(OSMemLink), 24u);
   EXPECT_EQ(sizeof(_Asn1RTDListNode), 12u);
+  EXPECT_EQ(blockAllocBytes(4096), 4096u + 20);
+  EXPECT_EQ(blockAllocBytes(8192), 8192u + 20);
 }
 #endif
 
