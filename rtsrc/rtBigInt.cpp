@@ -38,8 +38,9 @@ int radixOfPrefix(const char* text) {
   }
 }
 
-const char* prefixOfRadix(int radix) {
-  return radix == 16 ? "0x" : radix == 2 ? "0b" : radix == 8 ? "0o" : "";
+/* The letter of the prefix that names a power-of-two radix ("0x", "0b", "0o"). */
+char prefixLetterOfRadix(int radix) {
+  return radix == 16 ? 'x' : radix == 2 ? 'b' : 'o';
 }
 
 /* A text taken apart and checked before anything is allocated. */
@@ -213,8 +214,8 @@ int writePowerOfTwo(ASN1CTXT* pctxt, const ASN1BigInt* pInt, int radix, char* st
   if (lead + ndigits >= strSize) return LOG_RTERR(pctxt, ASN_E_BUFOVFLW);
   char* p = str;
   if (pInt->sign < 0) *p++ = '-';
-  memcpy(p, prefixOfRadix(radix), 2);
-  p += 2;
+  *p++ = '0';
+  *p++ = prefixLetterOfRadix(radix);
   unsigned k = bitsPerDigit(radix);
   for (size_t j = ndigits; j-- > 0;) *p++ = kDigitChars[digitAt(pInt, j, k)];
   *p = '\0';
@@ -278,7 +279,7 @@ int writeDecimal(ASN1CTXT* pctxt, const ASN1BigInt* pInt, char* str, ASN1UINT st
 void rtBigIntInit(ASN1BigInt* pInt) { memset(pInt, 0, sizeof *pInt); }
 
 int rtBigIntSetStr(ASN1CTXT* pctxt, ASN1BigInt* pInt, const char* value, int radix) {
-  NumberText text;
+  NumberText text = {};
   int stat = parseNumberText(pctxt, value, radix, &text);
   if (stat < 0) return stat;
   if (text.radix == 10) return setFromDecimalDigits(pctxt, pInt, text);
