@@ -5,6 +5,7 @@
 #include <quillon/rtContext.h>
 #include <quillon/rtList.h>
 #include <quillon/rtMemHeap.h>
+#include <quillon/rtStream.h>
 
 #include "rtErrLog.h"
 
@@ -27,16 +28,6 @@ void releaseBuffer(ASN1CTXT* pctxt) {
   if (pctxt->flags & ASN1SAVEBUF) rtMemHeapMarkSaved(&pctxt->msgMemHeap, pctxt->buffer.data, 1);
   else rtMemHeapFreePtr(&pctxt->msgMemHeap, pctxt->buffer.data);
   pctxt->buffer.data = nullptr;
-}
-
-/* The stream layer will route this through its own release; until then the context closes the
- * device and returns the record, which streams take from the context's heap. */
-void releaseStream(ASN1CTXT* pctxt) {
-  OSRTSTREAM* stream = pctxt->pStream;
-  if (!stream) return;
-  if (stream->close) stream->close(stream->device);
-  rtMemHeapFreePtr(&pctxt->memHeap, stream);
-  pctxt->pStream = nullptr;
 }
 
 void shareHeap(OSMemHeap** ppDest, OSMemHeap** ppSrc) {
@@ -107,8 +98,9 @@ ASN1CTXT* rtNewContext(void) {
 
 void rtFreeContext(ASN1CTXT* pctxt) {
   if (!isInitialised(pctxt)) return;
+  /* The stream first: its output still staged in the buffer is written before the buffer goes. */
+  rtStreamRelease(pctxt);
   releaseBuffer(pctxt);
-  releaseStream(pctxt);
   rtSListFree(&pctxt->fieldList);
   rtSListFree(&pctxt->evtHndlrList);
   rtErrFreeParms(&pctxt->errInfo);

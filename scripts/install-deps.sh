@@ -94,6 +94,9 @@ if ! dpkg --print-foreign-architectures | grep -qx i386; then
 fi
 install_missing "${host_packages[@]}" g++-multilib clang lld make pkg-config binutils \
   libgtest-dev googletest libbenchmark-dev libssl-dev openssl "$(clang_runtime_package)"
+# The GOST engine lets tests/data/make-corpus.sh make the GOST certificates and signed messages
+# of the corpus.
+install_missing libengine-gost-openssl
 
 # i386 expat as files for the -m32 build. Unpacked into a scratch folder first and moved into
 # place whole, so an interrupted run never leaves a half tree that looks complete.

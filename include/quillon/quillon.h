@@ -15,5 +15,15 @@
 #include "rtValueText.h"
 #include "rtReal.h"
 #include "rtBigInt.h"
+#include "rtPrint.h"
+#include "rtCompare.h"
+
+#ifdef __cplusplus
+#include "asn1CppTypes.h"
+#include "asn1BerCppTypes.h"
+#include "asn1CSeqOfList.h"
+#include "asn1CTime.h"
+#include "asn1CBitStr.h"
+#endif
 
 #endif
