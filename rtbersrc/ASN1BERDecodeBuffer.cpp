@@ -16,8 +16,25 @@ ASN1BERDecodeBuffer::ASN1BERDecodeBuffer(const ASN1OCTET* pMsgBuf, int msgBufLen
 ASN1BERDecodeBuffer::~ASN1BERDecodeBuffer() {}
 
 /* Control classes call init() before each decode; keeping the position when the message is
- * already attached lets successive decodes read successive values of one message. */
-void ASN1BERDecodeBuffer::init() { setBuffer(mpMsgBuf, mMsgBufLen); }
+ * already attached lets successive decodes read successive values of one buffer. */
+void ASN1BERDecodeBuffer::init() {
+  setBuffer(mpMsgBuf, mMsgBufLen);
+  attachNextMessage();
+}
+
+/* Attaching a message of definite length narrows the context's buffer to it, so the bytes
+ * behind it are only reachable by attaching them anew once it has been read. */
+void ASN1BERDecodeBuffer::attachNextMessage() {
+  ASN1CTXT* pctxt = getCtxtPtr();
+  const ASN1BUFFER& b = pctxt->buffer;
+  uintptr_t start = reinterpret_cast<uintptr_t>(mpMsgBuf);
+  uintptr_t window = reinterpret_cast<uintptr_t>(b.data);
+  if (!mpMsgBuf || mMsgBufLen <= 0 || b.byteIndex != b.size) return;
+  if (window < start || window - start > (uintptr_t)mMsgBufLen) return;
+  uintptr_t used = window - start + b.size;
+  if (used >= (uintptr_t)mMsgBufLen) return;
+  xd_setp(pctxt, mpMsgBuf + used, mMsgBufLen - (int)used, nullptr, nullptr);
+}
 
 int ASN1BERDecodeBuffer::isA(Type bufferType) { return bufferType == BERDecode; }
 

@@ -18,7 +18,9 @@ const int kGrowthStep = 1024;
 enum class BitOp { Set, Clear, Invert };
 enum class Combine { And, Or, Xor, AndNot };
 
-int bytesFor(ASN1UINT numbits) { return numbits == 0 ? 0 : static_cast<int>((numbits - 1) / 8 + 1); }
+int bytesFor(ASN1UINT numbits) {
+  return numbits == 0 ? 0 : static_cast<int>((numbits - 1) / 8 + 1);
+}
 
 ASN1OCTET maskOf(ASN1UINT bitIndex) { return static_cast<ASN1OCTET>(0x80u >> (bitIndex % 8)); }
 
@@ -32,9 +34,15 @@ ASN1OCTET lastByteMask(ASN1UINT numbits) {
 
 void applyToByte(ASN1OCTET& byte, ASN1OCTET mask, BitOp op) {
   switch (op) {
-    case BitOp::Set: byte = static_cast<ASN1OCTET>(byte | mask); break;
-    case BitOp::Clear: byte = static_cast<ASN1OCTET>(byte & ~mask); break;
-    case BitOp::Invert: byte = static_cast<ASN1OCTET>(byte ^ mask); break;
+    case BitOp::Set:
+      byte = static_cast<ASN1OCTET>(byte | mask);
+      break;
+    case BitOp::Clear:
+      byte = static_cast<ASN1OCTET>(byte & ~mask);
+      break;
+    case BitOp::Invert:
+      byte = static_cast<ASN1OCTET>(byte ^ mask);
+      break;
   }
 }
 
@@ -52,19 +60,21 @@ void applyToRange(ASN1OCTET* data, ASN1UINT from, ASN1UINT to, BitOp op) {
 
 ASN1OCTET combineByte(ASN1OCTET mine, ASN1OCTET theirs, Combine op) {
   switch (op) {
-    case Combine::And: return static_cast<ASN1OCTET>(mine & theirs);
-    case Combine::Or: return static_cast<ASN1OCTET>(mine | theirs);
-    case Combine::Xor: return static_cast<ASN1OCTET>(mine ^ theirs);
-    case Combine::AndNot: return static_cast<ASN1OCTET>(mine & ~theirs);
+    case Combine::And:
+      return static_cast<ASN1OCTET>(mine & theirs);
+    case Combine::Or:
+      return static_cast<ASN1OCTET>(mine | theirs);
+    case Combine::Xor:
+      return static_cast<ASN1OCTET>(mine ^ theirs);
+    case Combine::AndNot:
+      return static_cast<ASN1OCTET>(mine & ~theirs);
   }
   return mine;
 }
 
 // The record's data pointer as a writable one: the object changes the bytes of the values it
 // is given, which the record declares const for the decoders' sake.
-ASN1OCTET** unitsOf(ASN1TDynBitStr& bitStr) {
-  return reinterpret_cast<ASN1OCTET**>(const_cast<const ASN1OCTET**>(&bitStr.data));
-}
+ASN1OCTET** unitsOf(ASN1TDynBitStr& bitStr) { return const_cast<ASN1OCTET**>(&bitStr.data); }
 
 int clampedBytes(unsigned long long bytes) {
   return bytes > INT_MAX ? INT_MAX : static_cast<int>(bytes);
@@ -95,8 +105,7 @@ ASN1CBitStr::ASN1CBitStr(ASN1Context& ctxt, ASN1UINT nbits) : ASN1CType(ctxt) {
 
 ASN1CBitStr::ASN1CBitStr(ASN1TDynBitStr& bitStr) : ASN1CType() { useValue(bitStr); }
 
-ASN1CBitStr::ASN1CBitStr(ASN1MessageBufferIF& msgBuf, ASN1TDynBitStr& bitStr)
-    : ASN1CType(msgBuf) {
+ASN1CBitStr::ASN1CBitStr(ASN1MessageBufferIF& msgBuf, ASN1TDynBitStr& bitStr) : ASN1CType(msgBuf) {
   useValue(bitStr);
 }
 
@@ -104,8 +113,7 @@ ASN1CBitStr::ASN1CBitStr(ASN1Context& ctxt, ASN1TDynBitStr& bitStr) : ASN1CType(
   useValue(bitStr);
 }
 
-ASN1CBitStr::ASN1CBitStr(ASN1OCTET* pBits, ASN1UINT& numbits, ASN1UINT maxNumBits)
-    : ASN1CType() {
+ASN1CBitStr::ASN1CBitStr(ASN1OCTET* pBits, ASN1UINT& numbits, ASN1UINT maxNumBits) : ASN1CType() {
   useArray(pBits, numbits, maxNumBits);
 }
 
@@ -121,9 +129,7 @@ ASN1CBitStr::ASN1CBitStr(ASN1Context& ctxt, ASN1OCTET* pBits, ASN1UINT& numbits,
   useArray(pBits, numbits, maxNumBits);
 }
 
-ASN1CBitStr::ASN1CBitStr(const ASN1CBitStr& bitStr) : ASN1CType(bitStr) {
-  copyFrom(bitStr, false);
-}
+ASN1CBitStr::ASN1CBitStr(const ASN1CBitStr& bitStr) : ASN1CType(bitStr) { copyFrom(bitStr, false); }
 
 ASN1CBitStr::ASN1CBitStr(const ASN1CBitStr& bitStr, ASN1BOOL extendable) : ASN1CType(bitStr) {
   copyFrom(bitStr, extendable != 0);
@@ -161,7 +167,7 @@ void ASN1CBitStr::useArray(ASN1OCTET* pBits, ASN1UINT& numbits, ASN1UINT maxNumB
   if (numbits > maxNumBits) numbits = maxNumBits;
   mUnitsUsed = pBits == nullptr ? 0 : bytesFor(numbits);
   // An unbounded caller's array says nothing of its size beyond the bits it holds.
-  mUnitsAllocated = pBits == nullptr       ? 0
+  mUnitsAllocated = pBits == nullptr           ? 0
                     : maxNumBits == kUnbounded ? mUnitsUsed
                                                : bytesFor(maxNumBits);
   if (mUnitsUsed > 0) pBits[mUnitsUsed - 1] &= lastByteMask(numbits);

@@ -71,8 +71,7 @@ CivilDate civilFromDays(long long days) {
 
 // The fields' date and clock read as if they were UTC, in seconds since 1970.
 long long civilSeconds(int year, int month, int day, int hour, int minute, int second) {
-  return daysFromCivil(year, month, day) * kSecondsPerDay + hour * 3600LL + minute * 60LL +
-         second;
+  return daysFromCivil(year, month, day) * kSecondsPerDay + hour * 3600LL + minute * 60LL + second;
 }
 
 long long civilSeconds(const ASN1TimeFields& f) {
@@ -220,8 +219,7 @@ ASN1CTime::ASN1CTime(ASN1MessageBufferIF& msgBuf, const char*& buf, ASN1BOOL use
   initFields(const_cast<char**>(&buf), 0, useDerRules);
 }
 
-ASN1CTime::ASN1CTime(ASN1Context& ctxt, const char*& buf, ASN1BOOL useDerRules)
-    : ASN1CType(ctxt) {
+ASN1CTime::ASN1CTime(ASN1Context& ctxt, const char*& buf, ASN1BOOL useDerRules) : ASN1CType(ctxt) {
   initFields(const_cast<char**>(&buf), 0, useDerRules);
 }
 
@@ -279,9 +277,7 @@ void ASN1CTime::storeParsed(const ASN1TimeFields& fields, const char* text) {
   mbParsed = 1;
 }
 
-bool ASN1CTime::isComplete() const {
-  return mYear >= 0 && mMonth >= 1 && mDay >= 1 && mHour >= 0;
-}
+bool ASN1CTime::isComplete() const { return mYear >= 0 && mMonth >= 1 && mDay >= 1 && mHour >= 0; }
 
 int ASN1CTime::ensureParsed() {
   if (mbParsed) return 0;
@@ -552,8 +548,7 @@ int ASN1CTime::setCalendarTime(long t, ASN1BOOL diffTime) {
   const time_t calendarTime = static_cast<time_t>(t);
   const bool local = diffTime && !mbDerRules;
   struct tm tm;
-  const struct tm* broken =
-      local ? localtime_r(&calendarTime, &tm) : gmtime_r(&calendarTime, &tm);
+  const struct tm* broken = local ? localtime_r(&calendarTime, &tm) : gmtime_r(&calendarTime, &tm);
   if (broken == nullptr || tm.tm_year < -1900 || tm.tm_year > 9999 - 1900) {
     return LOG_RTERR(getCtxtPtr(), ASN_E_INVFORMAT);
   }

@@ -14,8 +14,7 @@ ASN1CUTCTime::ASN1CUTCTime(ASN1MessageBufferIF& msgBuf, char*& buf, int bufSize,
 ASN1CUTCTime::ASN1CUTCTime(ASN1Context& ctxt, char*& buf, int bufSize, ASN1BOOL useDerRules)
     : ASN1CTime(ctxt, buf, bufSize, useDerRules) {}
 
-ASN1CUTCTime::ASN1CUTCTime(const char*& buf, ASN1BOOL useDerRules)
-    : ASN1CTime(buf, useDerRules) {}
+ASN1CUTCTime::ASN1CUTCTime(const char*& buf, ASN1BOOL useDerRules) : ASN1CTime(buf, useDerRules) {}
 
 ASN1CUTCTime::ASN1CUTCTime(ASN1MessageBufferIF& msgBuf, const char*& buf, ASN1BOOL useDerRules)
     : ASN1CTime(msgBuf, buf, useDerRules) {}

@@ -39,7 +39,8 @@ void dumpLines(const ASN1OCTET* data, ASN1UINT numocts, Sink sink) {
   char line[kMaxLine + 1];
   for (ASN1UINT offset = 0; offset < numocts; offset += kOctetsPerLine) {
     ASN1UINT rest = numocts - offset;
-    sink(line, formatLine(line, offset, data + offset, rest < kOctetsPerLine ? rest : kOctetsPerLine));
+    ASN1UINT count = rest < kOctetsPerLine ? rest : kOctetsPerLine;
+    sink(line, formatLine(line, offset, data + offset, count));
   }
 }
 

@@ -26,6 +26,8 @@ const char kBlanks[] = "                                                        
 static_assert(sizeof kBlanks - 1 == kIndentWidth * kMaxLevel, "one blank per indent column");
 
 const char kHexDigits[] = "0123456789ABCDEF";
+// Significant decimal digits that tell every double apart.
+constexpr int kRealDigits = 17;
 
 int clampLevel(int level) { return level < 0 ? 0 : level > kMaxLevel ? kMaxLevel : level; }
 
@@ -114,12 +116,17 @@ void useDotAsDecimalPoint(char* text) {
   memmove(at + 1, at + pointLen, strlen(at + pointLen) + 1);
 }
 
-// The fewest significant digits that read back to the same double (17 always do).
+// The fewest significant digits that read back to the same double (17 always do). %g turns
+// to an exponent as soon as the exponent reaches the precision, which would print 100 as
+// 1e+02; below 17 digits the positional form is kept.
 void formatShortestReal(ASN1REAL value, char* text, size_t size) {
-  for (int precision = 1; precision <= 17; ++precision) {
+  for (int precision = 1; precision <= kRealDigits; ++precision) {
     snprintf(text, size, "%.*g", precision, value);
     if (strtod(text, nullptr) == value) break;
   }
+  const char* e = strchr(text, 'e');
+  const int exponent = e ? atoi(e + 1) : -1;
+  if (exponent >= 0 && exponent < kRealDigits) snprintf(text, size, "%.*g", exponent + 1, value);
   useDotAsDecimalPoint(text);
 }
 
@@ -287,15 +294,14 @@ void renderCharStr(Output& out, const char* value) {
   out.put('"');
   for (size_t i = 0; i < nbytes;) {
     const ASN1OCTET byte = static_cast<ASN1OCTET>(value[i]);
-    size_t next = i + 1;
+    size_t next = i;
     const int cp = byte < 0x80 ? byte : rtUTF8DecodeChar(scratch.get(), value, nbytes, &next);
     if (cp < 0) {
       writeEscape(out, "\\x", byte, 2);
-      next = i + 1;
     } else {
       renderCodePoint(out, static_cast<ASN1UINT>(cp));
     }
-    i = next;
+    i = next > i ? next : i + 1;
   }
   out.put('"');
 }

@@ -35,14 +35,16 @@ int rtPrintSinkInitString(ASN1PrintSink* pSink, char* buf, size_t bufsize) {
 
 int rtPrintToStringBoolean(int level, const char* name, ASN1BOOL value, char* buf,
                            size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintBoolean(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintBoolean(sink, level, name, value);
+  });
 }
 
 int rtPrintToStringInteger(int level, const char* name, ASN1INT value, char* buf,
                            size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintInteger(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintInteger(sink, level, name, value);
+  });
 }
 
 int rtPrintToStringUnsigned(int level, const char* name, ASN1UINT value, char* buf,
@@ -54,14 +56,16 @@ int rtPrintToStringUnsigned(int level, const char* name, ASN1UINT value, char* b
 
 int rtPrintToStringInt64(int level, const char* name, ASN1INT64 value, char* buf,
                          size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintInt64(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintInt64(sink, level, name, value);
+  });
 }
 
 int rtPrintToStringUInt64(int level, const char* name, ASN1UINT64 value, char* buf,
                           size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintUInt64(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintUInt64(sink, level, name, value);
+  });
 }
 
 int rtPrintToStringEnum(int level, const char* name, ASN1ENUM value, const char* identifier,
@@ -72,14 +76,16 @@ int rtPrintToStringEnum(int level, const char* name, ASN1ENUM value, const char*
 }
 
 int rtPrintToStringReal(int level, const char* name, ASN1REAL value, char* buf, size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintReal(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintReal(sink, level, name, value);
+  });
 }
 
 int rtPrintToStringBigInt(int level, const char* name, const char* value, char* buf,
                           size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintBigInt(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintBigInt(sink, level, name, value);
+  });
 }
 
 int rtPrintToStringBitStr(int level, const char* name, ASN1UINT numbits, const ASN1OCTET* data,
@@ -105,8 +111,9 @@ int rtPrintToStringOctStr(int level, const char* name, ASN1UINT numocts, const A
 
 int rtPrintToStringCharStr(int level, const char* name, const char* value, char* buf,
                            size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintCharStr(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintCharStr(sink, level, name, value);
+  });
 }
 
 int rtPrintToString16BitCharStr(int level, const char* name, const Asn116BitCharString* value,
@@ -125,19 +132,22 @@ int rtPrintToString32BitCharStr(int level, const char* name, const Asn132BitChar
 
 int rtPrintToStringOID(int level, const char* name, const ASN1OBJID* value, char* buf,
                        size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintOID(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintOID(sink, level, name, value);
+  });
 }
 
 int rtPrintToStringOID64(int level, const char* name, const ASN1OID64* value, char* buf,
                          size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintOID64(sink, level, name, value); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintOID64(sink, level, name, value);
+  });
 }
 
 int rtPrintToStringNull(int level, const char* name, char* buf, size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintNull(sink, level, name); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintNull(sink, level, name);
+  });
 }
 
 int rtPrintToStringOpenType(int level, const char* name, const ASN1TOpenType* value, char* buf,
@@ -148,18 +158,21 @@ int rtPrintToStringOpenType(int level, const char* name, const ASN1TOpenType* va
 }
 
 int rtPrintToStringTag(int level, const char* name, ASN1TagType tag, char* buf, size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintTag(sink, level, name, tag); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintTag(sink, level, name, tag);
+  });
 }
 
 int rtPrintToStringOpenBrace(int level, const char* name, char* buf, size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintOpenBrace(sink, level, name); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintOpenBrace(sink, level, name);
+  });
 }
 
 int rtPrintToStringCloseBrace(int level, char* buf, size_t bufsize) {
-  return printToString(buf, bufsize,
-                       [=](ASN1PrintSink* sink) { return rtPrintCloseBrace(sink, level); });
+  return printToString(buf, bufsize, [=](ASN1PrintSink* sink) {
+    return rtPrintCloseBrace(sink, level);
+  });
 }
 
 QN_END_C

@@ -63,7 +63,9 @@ class QN_API ASN1BERDecodeBuffer : public ASN1BERMessageBuffer {
   virtual ~ASN1BERDecodeBuffer();
 
   /* Points the context at the remembered message, unless it already is: decoding again after
-   * init() continues where the last decode stopped instead of starting over. */
+   * init() continues where the last decode stopped instead of starting over. When the last
+   * decode used up one message and more bytes follow it, the next message is attached, so
+   * successive decodes read successive messages of one buffer (or file). */
   virtual void init();
   virtual int isA(Type bufferType);
 
@@ -88,6 +90,9 @@ class QN_API ASN1BERDecodeBuffer : public ASN1BERMessageBuffer {
 
   /* Decodes c from this buffer; throws ASN1RTLException with a non-zero status. */
   ASN1BERDecodeBuffer& operator>>(ASN1CType& c);
+
+ protected:
+  void attachNextMessage();
 };
 
 #endif

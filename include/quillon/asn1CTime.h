@@ -96,9 +96,9 @@ class QN_API ASN1CTime : public ASN1CType {
   virtual int setMonth(int month);
   /* 1..31, valid in the current month and year where they are set. */
   virtual int setDay(int day);
-  virtual int setHour(int hour);      /* 0..23 */
-  virtual int setMinute(int minute);  /* 0..59 */
-  virtual int setSecond(int second);  /* 0..59 */
+  virtual int setHour(int hour);     /* 0..23 */
+  virtual int setMinute(int minute); /* 0..59 */
+  virtual int setSecond(int second); /* 0..59 */
   /* 0..999999999, the fraction's digits (0: no fraction). */
   virtual int setFraction(int fraction);
   /* The calendar time t (seconds since 1970, UTC) as UTC fields ("Z"), or with diffTime as

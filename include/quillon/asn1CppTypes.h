@@ -191,7 +191,10 @@ class QN_API ASN1CType {
   /* EncodeTo / DecodeFrom with the held buffer; -30 when the object has none. */
   virtual int Encode();
   virtual int Decode();
-  /* The base encodes and decodes nothing and returns 0; generated classes override these. */
+  /* The base encodes and decodes nothing and returns 0; generated classes override these.
+   * An override makes msgBuf current (setMsgBuf) and, when decoding, calls msgBuf.init()
+   * first: that is where a decode buffer attaches its message on the first decode and moves
+   * on to the next message after the last one was used up. */
   virtual int EncodeTo(ASN1MessageBufferIF& msgBuf);
   virtual int DecodeFrom(ASN1MessageBufferIF& msgBuf);
 

@@ -15,6 +15,8 @@
 #include "rtValueText.h"
 #include "rtReal.h"
 #include "rtBigInt.h"
+#include "rtStream.h"
+#include "asn1berStream.h"
 #include "rtPrint.h"
 #include "rtCompare.h"
 
@@ -22,6 +24,7 @@
 #include "asn1CppTypes.h"
 #include "asn1BerCppTypes.h"
 #include "asn1CSeqOfList.h"
+#include "asn1Stream.h"
 #include "asn1CTime.h"
 #include "asn1CBitStr.h"
 #endif

@@ -22,7 +22,7 @@
  *     when both name an information object and the objects are not the same one.
  * The report of octet strings longer than 16 octets and bit strings longer than 128 bits names
  * the first difference ("name: octet 17: '0A'H != '0B'H", "name: bit 130: 0 != 1") or the
- * different sizes ("name: 20 octets != 21 octets").
+ * different sizes ("name: (20 octets) != (21 octets)").
  */
 #ifndef QUILLON_RTCOMPARE_H
 #define QUILLON_RTCOMPARE_H

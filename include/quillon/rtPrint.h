@@ -21,9 +21,10 @@
  *                        octet lines as above; unused bits of the last octet print as 0
  *   BIT STRING (binary)  up to 64 bits as '101001011100'B; longer ones as "(N bits)" and lines
  *                        of 64 bits in groups of 8
- *   character strings    in double quotes, as UTF-8; '"' and '\' escaped with '\', control
- *                        characters and bytes that are not UTF-8 as \xHH, 16-bit surrogates
- *                        as \uHHHH, 32-bit values beyond Unicode as \UHHHHHHHH
+ *   character strings    in double quotes, as UTF-8; '"' and '\' escaped with '\'; control
+ *                        characters (C0, DEL, C1) and 16-bit surrogates as \uHHHH, 32-bit
+ *                        values beyond Unicode as \UHHHHHHHH, bytes of an 8-bit string that
+ *                        are not UTF-8 as \xHH
  *   OBJECT IDENTIFIER    dotted arcs 1.2.840.113549 (RELATIVE-OID values, ASN1RELOID, print
  *                        with rtPrintOID)
  *   NULL                 NULL
@@ -112,7 +113,9 @@ QN_API int rtPrintCloseBrace(ASN1PrintSink* pSink, int level);
 /* ---- One value appended to a caller's buffer -------------------------------------------- */
 /* Each appends to the NUL-terminated text in buf (bufsize bytes in all), exactly as the sink
  * function of the same type does to a string sink: the whole text or, with -17, nothing. -30
- * when buf is null or holds no NUL within bufsize bytes. */
+ * when buf is null or holds no NUL within bufsize bytes. Each call stands alone, so a refused
+ * call does not stop a later, shorter one; print a whole value through one ASN1PrintSink to
+ * stop at the first line that does not fit. */
 
 QN_API int rtPrintToStringBoolean(int level, const char* name, ASN1BOOL value, char* buf,
                                   size_t bufsize);

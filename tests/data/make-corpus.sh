@@ -124,8 +124,8 @@ add_pem() {
   manifest "$kind/$name.pem" "$kind" "$(cut -f3 <<<"$last")" "$(cut -f4 <<<"$last")"
 }
 
-# Adds a BER form (indefinite lengths) of the last DER file added as <kind>/<name>.ber: it
-# must decode to the same value and re-encode to exactly that DER twin.
+# Adds a BER form of the last DER file added as <kind>/<name>.ber (indefinite lengths, a SET
+# OF out of order): it must decode to the same value and re-encode to exactly that DER twin.
 add_ber() {
   local src=$1 kind=$2 name=$3
   local last=${manifest_lines[-1]}
@@ -141,6 +141,9 @@ write_manifest() {
     echo "# extensions=N: the number of extensions of the certificate, CRL or request."
     echo "# opaque=OID,...: open-type values that stay octets, because the object sets do not"
     echo "#   know the OID (every other open-type value with an encoding must be typed)."
+    echo "# reach=Type,...: types of decoded open-type values that the decode must arrive at."
+    echo "# refused=STATUS: a message our modules cannot take (see make-corpus.sh for why); its"
+    echo "#   decode must fail cleanly with that status."
     printf '%s\n' "${manifest_lines[@]}"
   } >"$data/MANIFEST"
 }
@@ -335,13 +338,15 @@ org = IMPLICIT:3,PRINTABLESTRING:Example
 assigner = EXPLICIT:0C,UTF8:Assigner
 party = EXPLICIT:1C,UTF8:Party Name
 
+# "email:copy" alone gives an empty (invalid) subjectAltName to a subject without an e-mail
+# address, hence the DNS name beside it.
 [ v3_leaf ]
 basicConstraints = CA:FALSE
 keyUsage = critical, digitalSignature, keyEncipherment
 extendedKeyUsage = clientAuth, emailProtection
 subjectKeyIdentifier = hash
 authorityKeyIdentifier = keyid
-subjectAltName = email:copy
+subjectAltName = email:copy, DNS:leaf.example.test
 crlDistributionPoints = URI:http://crl.example.test/sub.crl
 authorityInfoAccess = OCSP;URI:http://ocsp.example.test/
 
@@ -603,8 +608,12 @@ make_cms() {
     -inkey "$(key_file leaf-rsa)" -outform DER -out "$work/cms-pkcs7-signed.der"
   ossl smime -encrypt -aes128 -in "$work/msg.txt" -outform DER -out "$work/cms-pkcs7-enveloped.der" \
     "$work/rsa.pem"
-  ossl crl2pkcs7 -in "$work/crl-full.pem" -certfile "$work/chain.pem" -outform DER \
-    -out "$work/cms-pkcs7-certs-crl.der"
+  # PKCS #7 keeps its certificates in the order given, which DER's order of a SET OF (by
+  # encoding) puts the shorter root first: given the other way round the message is BER only.
+  ossl crl2pkcs7 -in "$work/crl-full.pem" -certfile "$work/root.pem" -certfile "$work/sub.pem" \
+    -outform DER -out "$work/cms-pkcs7-certs-crl.der"
+  ossl crl2pkcs7 -in "$work/crl-full.pem" -certfile "$work/sub.pem" -certfile "$work/root.pem" \
+    -outform DER -out "$work/cms-pkcs7-certs-crl-unsorted.der"
   to_pem CMS "$work/cms-signed-attached.der" "$work/cms-signed-attached.pem"
 
   local signed="reach=SignedData,ContentTypeIdentifier,_messageDigest_Type,Time"
@@ -624,7 +633,8 @@ make_cms() {
     "reach=EnvelopedData,NULLParams opaque=2.16.840.1.101.3.4.1.42"
   add_der "$work/cms-enveloped-kari.der" cms enveloped-kari "$ci" "reach=EnvelopedData"
   add_der "$work/cms-enveloped-kek.der" cms enveloped-kek "$ci" "reach=EnvelopedData"
-  add_der "$work/cms-enveloped-pwri.der" cms enveloped-pwri "$ci" "reach=EnvelopedData"
+  # The CMS module's RecipientInfo has no password alternative ([3]).
+  add_der "$work/cms-enveloped-pwri.der" cms enveloped-pwri "$ci" "refused=-11"
   add_der "$work/cms-enveloped-two-recipients.der" cms enveloped-two-recipients "$ci" \
     "reach=EnvelopedData,NULLParams"
   add_der "$work/cms-digested.der" cms digested "$ci" "reach=DigestedData"
@@ -639,6 +649,7 @@ make_cms() {
   add_der "$work/cms-pkcs7-enveloped.der" cms pkcs7-enveloped "$ci" "reach=EnvelopedData,NULLParams"
   add_der "$work/cms-pkcs7-certs-crl.der" cms pkcs7-certs-crl "$ci" \
     "reach=SignedData,CRLReason,InvalidityDate,NameConstraintsSyntax opaque=$data_oid"
+  add_ber "$work/cms-pkcs7-certs-crl-unsorted.der" cms pkcs7-certs-crl
 }
 
 # ------------------------------------------------------------------------ OCSP
@@ -760,7 +771,9 @@ make_tsp() {
   add_der "$work/ts-reply-full.der" tsp reply-certs-accuracy-nonce "$tresp" \
     "$token,SigningCertificateV2,GeneralNames"
   add_der "$work/ts-reply-plain.der" tsp reply-no-certs "$tresp" "$token,SigningCertificate"
-  add_der "$work/ts-reply-rejected.der" tsp reply-rejected "$tresp"
+  # Its failInfo names unacceptedPolicy (bit 15); the CMP module's PKIFailureInfo, which the
+  # time-stamp module uses, names bits 0 to 9 only.
+  add_der "$work/ts-reply-rejected.der" tsp reply-rejected "$tresp" "refused=-17"
   add_der "$work/ts-token.der" tsp token "CryptographicMessageSyntax.ContentInfo" \
     "$token,SigningCertificateV2"
 }
@@ -814,7 +827,8 @@ make_cmp() {
   local ext="reach=BasicConstraintsSyntax,NameConstraintsSyntax"
   add_der "$work/cmp-ir-req1.der" cmp ir-pbm "$msg" "reach=GeneralNames,CertificatePoliciesSyntax"
   add_der "$work/cmp-ir-rsp1.der" cmp ip-pbm "$msg" "reach=BasicConstraintsSyntax"
-  add_der "$work/cmp-ir-req2.der" cmp certconf "$msg"
+  # certConf ([24]) came after the PKIBody of the CMP module.
+  add_der "$work/cmp-ir-req2.der" cmp certconf "$msg" "refused=-11"
   add_der "$work/cmp-ir-rsp2.der" cmp pkiconf "$msg"
   add_der "$work/cmp-cr-req1.der" cmp cr-signed "$msg" "$ext opaque=1.3.6.1.5.5.7.4.13"
   add_der "$work/cmp-cr-rsp1.der" cmp cp-signed "$msg" "$ext"
@@ -963,7 +977,9 @@ make_gost() {
   add_der "$work/gost2001-xch.der" gost leaf-2001-exchange "$cert" "$g2001"
   add_der "$work/gost2012-512.der" gost leaf-2012-512 "$cert" "opaque=1.2.643.7.1.1.1.2"
   add_der "$work/gost2001-self.der" gost self-signed-2001-gost94 "$cert" "$g2001,NULLParams"
-  add_der "$work/gost-cms-signed-2001.der" gost cms-signed-2001 "$ci" "$g2001,SignedData"
+  # Its signer's signature algorithm is id-GostR3410-2001 with NULL parameters, which the
+  # algorithm set reads as public key parameters (a SEQUENCE).
+  add_der "$work/gost-cms-signed-2001.der" gost cms-signed-2001 "$ci" "refused=-3"
   add_der "$work/gost-cms-signed-2012.der" gost cms-signed-2012 "$ci" "$g2001,SignedData"
   add_der "$work/gost-cms-enveloped.der" gost cms-enveloped-2001 "$ci" \
     "reach=EnvelopedData,_gost2001PubKey_Type,Gost28147_89_Parameters"

@@ -140,6 +140,34 @@ TEST(BERDecodeBuffer, DecodesAndKeepsItsPositionAcrossInit) {
   EXPECT_EQ(value, 6);
 }
 
+TEST(BERDecodeBuffer, SuccessiveDecodesReadSuccessiveMessages) {
+  const ASN1OCTET msgs[] = {0x02, 0x01, 0x05, 0x02, 0x02, 0x01, 0x00, 0x02, 0x01, 0x07};
+  ASN1BERDecodeBuffer buffer(msgs, sizeof msgs);
+  ASN1INT value = 0;
+  IntegerControl control(buffer, value);
+  std::vector<ASN1INT> values;
+  for (int i = 0; i < 3; i++) {
+    buffer >> control;
+    values.push_back(value);
+  }
+  EXPECT_EQ(values, (std::vector<ASN1INT>{5, 256, 7}));
+  EXPECT_EQ(buffer.getMsgPtr(), msgs + 7);
+  int status = 0;
+  EXPECT_EQ(thrownType([&] { buffer >> control; }, &status), typeid(ASN1RTLException).name());
+  EXPECT_EQ(status, ASN_E_ENDOFBUF);
+
+  // Half read, the same message stays attached.
+  const ASN1OCTET seq[] = {0x30, 0x06, 0x02, 0x01, 0x01, 0x02, 0x01, 0x02, 0x02, 0x01, 0x03};
+  ASN1BERDecodeBuffer nested(seq, sizeof seq);
+  ASSERT_NE(nested.findElement(ASN_ID_INT, status, 1), nullptr);
+  IntegerControl inner(nested, value);
+  nested >> inner;
+  EXPECT_EQ(value, 1);
+  nested.init();
+  EXPECT_EQ(nested.getMsgPtr(), seq);
+  EXPECT_EQ(nested.getByteIndex(), 5);
+}
+
 TEST(BERDecodeBuffer, BadMessagesGiveStatusesNotCrashes) {
   const ASN1OCTET octets[] = {0x04, 0x01, 0x00};
   ASN1BERDecodeBuffer buffer(octets, sizeof octets);

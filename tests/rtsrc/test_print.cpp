@@ -114,7 +114,7 @@ TEST(Print, ScalarsAsNameEqualsValue) {
 
 TEST(Print, RealsInShortestFormAndSpecialNames) {
   Printed p;
-  const double plain[] = {1.5, 0.1, 100, -2.5e-300, 1e100, 123456789012.0};
+  const double plain[] = {1.5, 0.1, 100, -2.5e-300, 1e100, 123456789012.0, 1e21, 0.00001};
   for (double v : plain) rtPrintReal(p.sink(), 0, "r", v);
   rtPrintReal(p.sink(), 0, "r", rtGetPlusInfinity());
   rtPrintReal(p.sink(), 0, "r", rtGetMinusInfinity());
@@ -123,6 +123,7 @@ TEST(Print, RealsInShortestFormAndSpecialNames) {
   rtPrintReal(p.sink(), 0, "r", 0.0);
   EXPECT_EQ(p.text(),
             "r = 1.5\nr = 0.1\nr = 100\nr = -2.5e-300\nr = 1e+100\nr = 123456789012\n"
+            "r = 1e+21\nr = 1e-05\n"
             "r = PLUS-INFINITY\nr = MINUS-INFINITY\nr = NOT-A-NUMBER\nr = -0\nr = 0\n");
 
   // Values without a short form still read back exactly, in at most 17 digits.

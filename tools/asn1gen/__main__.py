@@ -7,6 +7,8 @@
     python3 -m asn1gen --values Module             object identifier constants
     python3 -m asn1gen --objects [Module]          information objects and object sets
     python3 -m asn1gen --catalogue-test            compare with the catalogue
+    python3 -m asn1gen --generate --out DIR         C++ header and source per module
+    python3 -m asn1gen --generate-tests --out DIR   sample values for the generated tests
 Run from tools/ (or with tools/ on PYTHONPATH); --modules names the folder of
 module texts (default: the repository's modules/).
 """
@@ -20,6 +22,8 @@ from . import model as M
 from .catalogue import compare, read_catalogue
 from .compiler import compile_directory
 from .dump import dump_object, dump_object_set, dump_type, dump_values
+from .backend.generate import generate
+from .backend.samples import generate_samples
 from .errors import AsnError, AsnErrors
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -40,7 +44,17 @@ def arguments(argv):
                    help="information objects and object sets")
     p.add_argument("--catalogue-test", nargs="?", const=DEFAULT_CATALOGUE, metavar="FILE",
                    help="compare the model with the catalogue (default: the test data)")
-    return p.parse_args(argv)
+    p.add_argument("--generate", action="store_true",
+                   help="write <Module>.h and <Module>.cpp of every module into --out")
+    p.add_argument("--generate-tests", action="store_true",
+                   help="write the sample-value functions of the generated tests into --out")
+    p.add_argument("--out", metavar="DIR", help="folder for --generate and --generate-tests")
+    p.add_argument("--stamp", metavar="FILE",
+                   help="touched after generating, for build systems that track one output")
+    args = p.parse_args(argv)
+    if (args.generate or args.generate_tests) and not args.out:
+        p.error("--generate and --generate-tests need --out")
+    return args
 
 
 def find_module(modules, name):
@@ -112,6 +126,13 @@ def run(args, out):
         out.write(dump_values(find_module(modules, args.values)) + "\n")
     if args.objects is not None:
         out.write(list_objects(modules, args.objects) + "\n")
+    if args.generate:
+        generate(modules, args.out)
+    if args.generate_tests:
+        generate_samples(modules, args.out)
+    if args.stamp:
+        with open(args.stamp, "w"):
+            pass
     if args.catalogue_test:
         report = compare(read_catalogue(args.catalogue_test), modules)
         out.write(report.text() + "\n")

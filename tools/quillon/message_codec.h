@@ -27,6 +27,8 @@ class MessageCodec {
   // errorReport(). Octets left over after the message are an error too (-5), since a file
   // that holds more than the message is not that message.
   int decode(const uint8_t* data, size_t length);
+  // Octets the decoder read, after a decode that got as far as the end of the message.
+  size_t consumed() const { return consumed_; }
   // The decoded value (null before a successful decode).
   void* value() const { return value_; }
   // Re-encodes the decoded value into der: its length, or the library's negative status.
@@ -41,6 +43,7 @@ class MessageCodec {
   const TypeEntry& type_;
   ASN1CTXT ctxt_;
   void* value_ = nullptr;
+  size_t consumed_ = 0;
 };
 
 }  // namespace quillon_tool

@@ -57,10 +57,15 @@ def prim_call(prim, p, tagging):
     raise ValueError("no encoder for %s" % kind)
 
 
-def inner_call(use, p, tagging):
+def emit_inner(w, use, p, tagging):
+    """Statements encoding the value at `p` with the coder of `use` into `ll`."""
     if use.target is not None:
-        return "asn1E_%s(pctxt, %s, %s)" % (use.name, p, tagging)
-    return prim_call(use.prim, p, tagging)
+        w("ll = asn1E_%s(pctxt, %s, %s);" % (use.name, p, tagging))
+    elif use.prim.kind == "enum":
+        w("ASN1ENUM number = (ASN1ENUM)%s;" % S.deref(p))
+        w("ll = xe_enum(pctxt, &number, %s);" % tagging)
+    else:
+        w("ll = %s;" % prim_call(use.prim, p, tagging))
 
 
 # ------------------------------------------------------------ places of use
@@ -72,9 +77,9 @@ def emit_use(w, use, p, label, tagging=None):
     emit_value_checks(w, use.node, use.prim, p, label)
     levels = use.levels
     if not levels:
-        w("ll = %s;" % inner_call(use, p, tagging or EXPLICIT))
+        emit_inner(w, use, p, tagging or EXPLICIT)
     else:
-        w("ll = %s;" % inner_call(use, p, IMPLICIT if use.implicit else EXPLICIT))
+        emit_inner(w, use, p, IMPLICIT if use.implicit else EXPLICIT)
         emit_tags(w, levels, tagging)
     w.check("ll", negative_only=True)
 
@@ -92,15 +97,13 @@ def emit_tags(w, levels, tagging, var="ll"):
 
 # ------------------------------------------------------------ constructs
 
-def emit(w, a, objects):
+def emit(w, a):
     kind = S.body_kind(a)
-    with w.block(signature(a)):
-        if kind == "alias":
-            emit_alias(w, a)
-        elif kind == "prim":
+    with w.function(signature(a)):
+        if kind in ("alias", "prim"):
             emit_prim(w, a)
         elif kind in ("SEQUENCE", "SET"):
-            emit_sequence(w, a, objects)
+            emit_sequence(w, a)
         elif kind == "CHOICE":
             emit_choice(w, a)
         else:
@@ -116,38 +119,16 @@ def finish(w, a, var):
     w("return %s;" % var)
 
 
-def emit_alias(w, a):
+def emit_prim(w, a):
     w("int ll;")
+    if S.body_kind(a) == "prim" and S.named_prim(a).kind == "enum":
+        top = max(i.value for i in a.type.items + a.type.additions)
+        w.violation("*pvalue > %du" % top, None, "*pvalue", "ASN_E_INVENUM")
     emit_use(w, S.Use(a.type), "pvalue", "*pvalue", tagging="tagging")
     w("return ll;")
 
 
-def emit_prim(w, a):
-    prim = S.named_prim(a)
-    t = a.type
-    own = S.own_tags(t)
-    levels = t.wire_tags or []
-    direct = levels == own
-    w("int ll;")
-    if prim.kind == "enum":
-        top = max(i.value for i in t.items + t.additions)
-        w.violation("*pvalue > %du" % top, "*pvalue", "*pvalue", "ASN_E_INVENUM")
-        w("ASN1ENUM number = (ASN1ENUM)*pvalue;")
-        call = "xe_enum(pctxt, &number, %s)"
-    else:
-        emit_value_checks(w, t, prim, "pvalue", "*pvalue")
-        call = prim_call(prim, "pvalue", "%s").replace("%", "%%").replace("%%s", "%s")
-    if direct:
-        w("ll = %s;" % (call % "tagging"))
-        w.check("ll", negative_only=True)
-        w("return ll;")
-        return
-    w("ll = %s;" % (call % IMPLICIT))
-    w.check("ll", negative_only=True)
-    finish(w, a, "ll")
-
-
-def emit_sequence(w, a, objects):
+def emit_sequence(w, a):
     comps = S.components(a.type)
     w("int ll, len = 0;")
     if a.table_constrained:
@@ -225,7 +206,8 @@ def emit_list(w, a):
         w("%s* pelem = (%s*)pnode->data;" % (ctype, ctype))
         emit_use(w, use, "pelem", "pvalue->element")
         if der_sort:
-            emit_place(w)
+            with w.block("if (pvalue->count > 1)"):
+                emit_place(w)
         w("len += ll;")
     if der_sort:
         # DER wants the elements of a SET OF in ascending order of their encodings.

@@ -183,11 +183,12 @@ def split_tags(wire, own):
 
 def value_ctype(a):
     """The C++ type of a value of named type `a` held in a member or list element.
-    Lists are held in the runtime's list record, so that no type needs the list
-    type's own declaration."""
+    Lists are held in the list record of the object layer, so that no header needs
+    another module's list type declared (modules refer to each other's lists in a
+    circle)."""
     kind = a.type.repr.kind if a.type.repr else None
     if kind == "list":
-        return "_Asn1RTDList"
+        return "ASN1TSeqOfList"
     return "ASN1T_" + a.generated_name
 
 

@@ -1,6 +1,7 @@
 """Line-oriented C++ writer shared by the emitters, and the statements every
 generated function repeats (the error convention, constraint checks)."""
 
+import re
 from contextlib import contextmanager
 
 from . import shapes as S
@@ -19,10 +20,25 @@ class Code:
 
     @contextmanager
     def block(self, head):
-        self(head + " {")
+        self(head + " {" if head else "{")
         self.depth += 1
         yield
         self.depth -= 1
+        self("}")
+
+    @contextmanager
+    def function(self, signature):
+        """A function definition; parameters its body never names are left unnamed, so
+        that no function needs to mention an argument it does not use."""
+        start = len(self.lines)
+        self.depth += 1
+        yield
+        self.depth -= 1
+        body = "\n".join(self.lines[start:])
+        for name in re.findall(r"(\w+)(?=[,)])", signature):
+            if not re.search(r"\b%s\b" % name, body):
+                signature = re.sub(r"\b%s(?=[,)])" % name, "/* %s */" % name, signature)
+        self.lines.insert(start, "  " * self.depth + signature + " {")
         self("}")
 
     @contextmanager
@@ -44,8 +60,10 @@ class Code:
         self("if (%s %s 0) %s" % (var, "<" if negative_only else "!=", self.fail(var)))
 
     def violation(self, cond, label, value_expr, status="ASN_E_CONSVIO"):
+        """Records the field name (when given) and the value as the error's parameters."""
         with self.block("if (%s)" % cond):
-            self('rtErrAddStrParm(&pctxt->errInfo, "%s");' % label)
+            if label is not None:
+                self('rtErrAddStrParm(&pctxt->errInfo, "%s");' % label)
             self("rtErrAddIntParm(&pctxt->errInfo, (int)%s);" % value_expr)
             self(self.fail(status))
 

@@ -1,0 +1,230 @@
+/* What every stream decoder shares: reading headers ahead in the stream's read buffer, and
+ * putting the next element where a buffer decoder can read it. */
+#include <quillon/rtStream.h>
+
+#include "berStrmCommon.h"
+#include "xd_common.h"
+
+namespace {
+
+/* The longest header: an identifier of 29 bits (6 octets) and a length of 4 octets (5). */
+constexpr ASN1UINT kMaxHeader = 11;
+
+/* Large elements are read into heap memory that grows as their octets arrive, so a length
+ * claimed by hostile input costs memory only once the octets are really there. */
+constexpr ASN1UINT kFirstChunk = 1u << 20;
+constexpr ASN1UINT kFirstChunkUnknown = 4096;
+constexpr ASN1UINT kMaxElement = 0x7FFFFFFFu;
+
+/* Decoders see an element as a complete buffer of known size, and copy what they keep. */
+constexpr ASN1USINT kWindowFlags = ASN1INDEFLEN | ASN1LASTEOC | ASN1FASTCOPY;
+
+/* Heap memory holding a large element as it is read. */
+struct Area {
+  ASN1OCTET* data;
+  ASN1UINT used;
+  ASN1UINT capacity;
+  ASN1UINT target; /* the element's size when known, else 0 */
+};
+
+int growArea(ASN1CTXT* pctxt, Area* a) {
+  const ASN1UINT first = a->target ? kFirstChunk : kFirstChunkUnknown;
+  ASN1UINT64 capacity = a->capacity ? (ASN1UINT64)a->capacity * 2 : first;
+  if (a->target && capacity > a->target) capacity = a->target;
+  if (capacity > kMaxElement) capacity = kMaxElement;
+  if (capacity <= a->used) return LOG_RTERR(pctxt, ASN_E_NOMEM);
+  void* grown = rtMemHeapRealloc(&pctxt->memHeap, a->data, (size_t)capacity);
+  if (!grown) return LOG_RTERR(pctxt, ASN_E_NOMEM);
+  a->data = static_cast<ASN1OCTET*>(grown);
+  a->capacity = (ASN1UINT)capacity;
+  return 0;
+}
+
+/* Moves n octets of the stream to the end of the area, or past them with no area. */
+int transfer(ASN1CTXT* pctxt, Area* a, ASN1UINT n) {
+  if (!a) {
+    int stat = rtStreamBufSkip(pctxt, n);
+    return stat < 0 ? LOG_RTERR(pctxt, stat) : 0;
+  }
+  while (n > 0) {
+    if (a->used == a->capacity) {
+      int stat = growArea(pctxt, a);
+      if (stat < 0) return stat;
+    }
+    const ASN1UINT chunk = a->capacity - a->used < n ? a->capacity - a->used : n;
+    long got = rtStreamBufRead(pctxt, a->data + a->used, chunk);
+    if (got < 0) return LOG_RTERR(pctxt, (int)got);
+    a->used += chunk;
+    n -= chunk;
+  }
+  return 0;
+}
+
+/* Headers and contents up to and including the end-of-contents octets that close a value of
+ * indefinite length, whose header has been taken. Each header read takes at least two octets,
+ * so the walk ends with the stream on any input. */
+int transferToEOC(ASN1CTXT* pctxt, Area* a) {
+  for (ASN1UINT depth = 1; depth > 0;) {
+    qn::bstrm::Header h;
+    int stat = qn::bstrm::peekHeader(pctxt, &h);
+    if (stat < 0) return LOG_RTERR(pctxt, stat);
+    stat = transfer(pctxt, a, h.octets);
+    if (stat < 0) return stat;
+    if (h.len == ASN_K_INDEFLEN)
+      ++depth;
+    else if (h.tag == 0 && h.len == 0)
+      --depth;
+    else
+      stat = transfer(pctxt, a, (ASN1UINT)h.len);
+    if (stat < 0) return stat;
+  }
+  return 0;
+}
+
+void beginWindow(ASN1CTXT* pctxt, qn::bstrm::Element* e) {
+  e->saved = pctxt->buffer;
+  e->savedFlags = pctxt->flags;
+  pctxt->flags &= (ASN1USINT)~kWindowFlags;
+}
+
+int inReadBuffer(ASN1CTXT* pctxt, ASN1UINT extent, qn::bstrm::Element* e) {
+  beginWindow(pctxt, e);
+  e->area = nullptr;
+  e->extent = extent;
+  pctxt->buffer.size = pctxt->buffer.byteIndex + extent;
+  return 0;
+}
+
+/* headerOctets of the element's header are still unread when given; indefinite elements are
+ * read up to their closing end-of-contents octets. */
+int onHeap(ASN1CTXT* pctxt, ASN1UINT headerOctets, int length, bool borrow,
+           qn::bstrm::Element* e) {
+  const bool indefinite = length == ASN_K_INDEFLEN;
+  Area a = {nullptr, 0, 0, indefinite ? 0 : headerOctets + (ASN1UINT)length};
+  int stat = transfer(pctxt, &a, headerOctets);
+  if (stat == 0)
+    stat = indefinite ? transferToEOC(pctxt, &a) : transfer(pctxt, &a, (ASN1UINT)length);
+  if (stat < 0) {
+    rtMemHeapFreePtr(&pctxt->memHeap, a.data);
+    return stat;
+  }
+  beginWindow(pctxt, e);
+  if (borrow) pctxt->flags |= ASN1FASTCOPY;
+  e->area = a.data;
+  e->extent = a.used;
+  ASN1BUFFER& b = pctxt->buffer;
+  b.data = a.data;
+  b.byteIndex = 0;
+  b.size = a.used;
+  b.dynamic = 0;
+  return 0;
+}
+
+}  // namespace
+
+namespace qn::bstrm {
+
+int readStreamLength(const ASN1OCTET* p, ASN1UINT end, ASN1UINT* idx_p, int* len_p) {
+  ASN1UINT idx = *idx_p;
+  if (idx >= end) return ASN_E_ENDOFBUF;
+  ASN1UINT value = p[idx++];
+  if (value == 0x80) {
+    *len_p = ASN_K_INDEFLEN;
+  } else if (value > 0x80) {
+    ASN1UINT count = value & 0x7F;
+    if (count > 4) return ASN_E_INVLEN;
+    value = 0;
+    while (count-- > 0) {
+      if (idx >= end) return ASN_E_ENDOFBUF;
+      value = (value << 8) | p[idx++];
+    }
+    if (value > 0x7FFFFFFFu) return ASN_E_INVLEN;
+    *len_p = (int)value;
+  } else {
+    *len_p = (int)value;
+  }
+  *idx_p = idx;
+  return 0;
+}
+
+/* The common case needs no call. */
+long ensureBuffered(ASN1CTXT* pctxt, ASN1UINT count) {
+  const ASN1BUFFER& b = pctxt->buffer;
+  if (pctxt->pStream && (pctxt->pStream->flags & OSRTSTRMF_BUFFERED) &&
+      b.size - b.byteIndex >= count)
+    return (long)(b.size - b.byteIndex);
+  return rtStreamBufPreRead(pctxt, count);
+}
+
+int peekHeader(ASN1CTXT* pctxt, Header* h) {
+  long avail = ensureBuffered(pctxt, kMaxHeader);
+  if (avail < 0) return (int)avail;
+  const ASN1OCTET* p = pctxt->buffer.data + pctxt->buffer.byteIndex;
+  ASN1UINT idx = 0;
+  int stat = qn::xd::readTag(p, (ASN1UINT)avail, &idx, &h->tag);
+  if (stat < 0) return stat;
+  stat = readStreamLength(p, (ASN1UINT)avail, &idx, &h->len);
+  if (stat < 0) return stat;
+  if (h->len == ASN_K_INDEFLEN && !(h->tag & TM_CONS)) return ASN_E_INVLEN;
+  h->octets = idx;
+  return 0;
+}
+
+void consumeBuffered(ASN1CTXT* pctxt, ASN1UINT n) {
+  pctxt->buffer.byteIndex += n;
+  pctxt->pStream->bytesRead += n;
+}
+
+int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, bool borrow,
+                Element* e) {
+  long avail = ensureBuffered(pctxt, 0);
+  if (avail < 0) return (int)avail;
+  ASN1UINT headerOctets = 0;
+  if (tagging) {
+    Header h;
+    int stat = peekHeader(pctxt, &h);
+    if (stat < 0) return LOG_RTERR(pctxt, stat);
+    if (expected != ASN_K_NOTAG && (h.tag & ~TM_CONS) != expected)
+      return inReadBuffer(pctxt, h.octets, e);
+    headerOctets = h.octets;
+    length = h.len;
+  } else if (length < 0 && length != ASN_K_INDEFLEN) {
+    /* The decoder reports the bad length over no contents at all. */
+    return inReadBuffer(pctxt, 0, e);
+  }
+  if (length != ASN_K_INDEFLEN && (ASN1UINT)length <= pctxt->pStream->bufsize - headerOctets) {
+    const ASN1UINT extent = headerOctets + (ASN1UINT)length;
+    avail = ensureBuffered(pctxt, extent);
+    if (avail < 0) return (int)avail;
+    if ((ASN1UINT)avail < extent) return LOG_RTERR(pctxt, ASN_E_ENDOFBUF);
+    return inReadBuffer(pctxt, extent, e);
+  }
+  return onHeap(pctxt, headerOctets, length, borrow, e);
+}
+
+int skipElement(ASN1CTXT* pctxt) {
+  Header h;
+  int stat = peekHeader(pctxt, &h);
+  if (stat < 0) return LOG_RTERR(pctxt, stat);
+  stat = transfer(pctxt, nullptr, h.octets);
+  if (stat < 0) return stat;
+  return h.len == ASN_K_INDEFLEN ? transferToEOC(pctxt, nullptr)
+                                 : transfer(pctxt, nullptr, (ASN1UINT)h.len);
+}
+
+int closeElement(ASN1CTXT* pctxt, Element* e, int stat, const void* kept) {
+  pctxt->flags = (ASN1USINT)((pctxt->flags & ~kWindowFlags) | (e->savedFlags & kWindowFlags));
+  if (!e->area) {
+    pctxt->buffer.size = e->saved.size;
+    pctxt->buffer.byteIndex = e->saved.byteIndex;
+    if (stat >= 0) consumeBuffered(pctxt, e->extent);
+    return stat;
+  }
+  pctxt->buffer = e->saved;
+  const ASN1OCTET* p = static_cast<const ASN1OCTET*>(kept);
+  const bool inArea = p && p >= e->area && p < e->area + e->extent;
+  if (!inArea) rtMemHeapFreePtr(&pctxt->memHeap, e->area);
+  return stat;
+}
+
+}  // namespace qn::bstrm
