@@ -95,6 +95,22 @@ int inReadBuffer(ASN1CTXT* pctxt, ASN1UINT extent, qn::bstrm::Element* e) {
   return 0;
 }
 
+/* Where an element of indefinite length ends when it lies whole in the read buffer (after
+ * filling it): with its header (whole) or from its contents on, up to and including its
+ * end-of-contents octets. False when it does not fit, or when its structure is bad, which is
+ * then left to the reading from the stream to meet and report. */
+bool indefiniteExtent(ASN1CTXT* pctxt, bool whole, ASN1UINT* extent_p) {
+  long avail = qn::bstrm::ensureBuffered(pctxt, pctxt->pStream->bufsize);
+  if (avail < 0) return false;
+  const ASN1OCTET* p = pctxt->buffer.data + pctxt->buffer.byteIndex;
+  ASN1UINT idx = 0;
+  int stat = whole ? qn::xd::skipElement(p, (ASN1UINT)avail, &idx)
+                   : qn::xd::skipToEOC(p, (ASN1UINT)avail, &idx);
+  if (stat < 0) return false;
+  *extent_p = idx;
+  return true;
+}
+
 /* headerOctets of the element's header are still unread when given; indefinite elements are
  * read up to their closing end-of-contents octets. */
 int onHeap(ASN1CTXT* pctxt, ASN1UINT headerOctets, int length, bool borrow,
@@ -150,7 +166,8 @@ int readStreamLength(const ASN1OCTET* p, ASN1UINT end, ASN1UINT* idx_p, int* len
 /* The common case needs no call. */
 long ensureBuffered(ASN1CTXT* pctxt, ASN1UINT count) {
   const ASN1BUFFER& b = pctxt->buffer;
-  if (pctxt->pStream && (pctxt->pStream->flags & OSRTSTRMF_BUFFERED) &&
+  const ASN1USINT bufferedInput = OSRTSTRMF_BUFFERED | OSRTSTRMF_INPUT;
+  if (pctxt->pStream && (pctxt->pStream->flags & bufferedInput) == bufferedInput &&
       b.size - b.byteIndex >= count)
     return (long)(b.size - b.byteIndex);
   return rtStreamBufPreRead(pctxt, count);
@@ -184,8 +201,11 @@ int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, 
     Header h;
     int stat = peekHeader(pctxt, &h);
     if (stat < 0) return LOG_RTERR(pctxt, stat);
-    if (expected != ASN_K_NOTAG && (h.tag & ~TM_CONS) != expected)
-      return inReadBuffer(pctxt, h.octets, e);
+    if (expected != ASN_K_NOTAG && (h.tag & ~TM_CONS) != expected) {
+      /* Reported as the buffer decoder reports it, before anything is read. */
+      qn::xd::addTagParms(pctxt, expected, h.tag);
+      return LOG_RTERR(pctxt, ASN_E_IDNOTFOU);
+    }
     headerOctets = h.octets;
     length = h.len;
   } else if (length < 0 && length != ASN_K_INDEFLEN) {
@@ -199,6 +219,9 @@ int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, 
     if ((ASN1UINT)avail < extent) return LOG_RTERR(pctxt, ASN_E_ENDOFBUF);
     return inReadBuffer(pctxt, extent, e);
   }
+  ASN1UINT extent = 0;
+  if (length == ASN_K_INDEFLEN && indefiniteExtent(pctxt, tagging != 0, &extent))
+    return inReadBuffer(pctxt, extent, e);
   return onHeap(pctxt, headerOctets, length, borrow, e);
 }
 

@@ -162,8 +162,8 @@ struct Element {
 
 /* Makes the next element available to a buffer decoder: with tagging its header and
  * contents, else the contents of length octets (the caller's header read). expected is the
- * universal tag the decoder will check (ASN_K_NOTAG: any); a mismatch is left to the decoder
- * to report over the header alone. borrow lets a value point into a heap copy. Records its
+ * universal tag the decoder will check (ASN_K_NOTAG: any): a mismatch is -3 with the buffer
+ * decoder's parameters, nothing read. borrow lets a value point into a heap copy. Records its
  * failures. */
 int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, bool borrow,
                 Element* e);

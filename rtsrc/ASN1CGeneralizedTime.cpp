@@ -33,11 +33,7 @@ int ASN1CGeneralizedTime::setTime(long t, ASN1BOOL diffTime) {
 }
 
 int ASN1CGeneralizedTime::parseString(const char* text) {
-  ASN1TimeFields fields;
-  const int stat = rtParseGeneralizedTime(getCtxtPtr(), text, &fields);
-  if (stat < 0) return stat;
-  storeParsed(fields, text);
-  return 0;
+  return parseWith(rtParseGeneralizedTime, text);
 }
 
 int ASN1CGeneralizedTime::compileString() { return writeString(rtMakeGeneralizedTime); }

@@ -271,10 +271,14 @@ void ASN1CTime::fromFields(const ASN1TimeFields& f) {
 
 // "+0000" and "Z" are one zone; keeping the former as an offset of 0 would make the time local
 // on the next rewrite.
-void ASN1CTime::storeParsed(const ASN1TimeFields& fields, const char* text) {
+int ASN1CTime::parseWith(TimeParser parse, const char* text) {
+  ASN1TimeFields fields;
+  const int stat = parse(getCtxtPtr(), text, &fields);
+  if (stat < 0) return stat;
   fromFields(fields);
   if (!mbUtcFlag && mDiffHour == 0 && mDiffMin == 0 && hasSignedOffset(text)) mbUtcFlag = 1;
   mbParsed = 1;
+  return 0;
 }
 
 bool ASN1CTime::isComplete() const { return mYear >= 0 && mMonth >= 1 && mDay >= 1 && mHour >= 0; }
@@ -319,12 +323,14 @@ int ASN1CTime::commitFields(const ASN1TimeFields& fields) {
   return stat;
 }
 
+// Year, month and day are checked together, as whichever of them is set last may not fit.
 int ASN1CTime::setField(ASN1SINT ASN1TimeFields::*field, int value) {
   const int stat = ensureParsed();
   if (stat < 0) return stat;
   ASN1TimeFields f;
   toFields(f);
   f.*field = static_cast<ASN1SINT>(value);
+  if (!checkDate(f.day, f.month, f.year)) return LOG_RTERR(getCtxtPtr(), ASN_E_INVFORMAT);
   return commitFields(f);
 }
 
@@ -348,50 +354,32 @@ char* ASN1CTime::getTimeString(char* buf, int size) {
 
 // ---- Getters ------------------------------------------------------------------------------
 
-int ASN1CTime::getYear() {
+// The field is bound before the text is read, and read after.
+int ASN1CTime::readField(const ASN1SINT& field) {
   const int stat = ensureParsed();
-  return stat < 0 ? stat : mYear;
+  return stat < 0 ? stat : field;
 }
 
-int ASN1CTime::getMonth() {
-  const int stat = ensureParsed();
-  return stat < 0 ? stat : mMonth;
-}
+int ASN1CTime::getYear() { return readField(mYear); }
 
-int ASN1CTime::getDay() {
-  const int stat = ensureParsed();
-  return stat < 0 ? stat : mDay;
-}
+int ASN1CTime::getMonth() { return readField(mMonth); }
 
-int ASN1CTime::getHour() {
-  const int stat = ensureParsed();
-  return stat < 0 ? stat : mHour;
-}
+int ASN1CTime::getDay() { return readField(mDay); }
 
-int ASN1CTime::getMinute() {
-  const int stat = ensureParsed();
-  return stat < 0 ? stat : mMinute;
-}
+int ASN1CTime::getHour() { return readField(mHour); }
 
-int ASN1CTime::getSecond() {
-  const int stat = ensureParsed();
-  return stat < 0 ? stat : mSecond;
-}
+int ASN1CTime::getMinute() { return readField(mMinute); }
+
+int ASN1CTime::getSecond() { return readField(mSecond); }
 
 int ASN1CTime::getFraction() {
   const int stat = ensureParsed();
   return stat < 0 ? stat : mSecFraction;
 }
 
-int ASN1CTime::getDiffHour() {
-  const int stat = ensureParsed();
-  return stat < 0 ? stat : mDiffHour;
-}
+int ASN1CTime::getDiffHour() { return readField(mDiffHour); }
 
-int ASN1CTime::getDiffMinute() {
-  const int stat = ensureParsed();
-  return stat < 0 ? stat : mDiffMin;
-}
+int ASN1CTime::getDiffMinute() { return readField(mDiffMin); }
 
 int ASN1CTime::getDiff() {
   const int stat = ensureParsed();
@@ -417,25 +405,16 @@ long ASN1CTime::getTime() {
 
 int ASN1CTime::setYear(int year) {
   if (year < 0 || year > 9999) return LOG_RTERR(getCtxtPtr(), ASN_E_INVFORMAT);
-  const int stat = ensureParsed();
-  if (stat < 0) return stat;
-  if (!checkDate(mDay, mMonth, year)) return LOG_RTERR(getCtxtPtr(), ASN_E_INVFORMAT);
   return setField(&ASN1TimeFields::year, year);
 }
 
 int ASN1CTime::setMonth(int month) {
   if (month < 1 || month > 12) return LOG_RTERR(getCtxtPtr(), ASN_E_INVFORMAT);
-  const int stat = ensureParsed();
-  if (stat < 0) return stat;
-  if (!checkDate(mDay, month, mYear)) return LOG_RTERR(getCtxtPtr(), ASN_E_INVFORMAT);
   return setField(&ASN1TimeFields::month, month);
 }
 
 int ASN1CTime::setDay(int day) {
   if (day < 1 || day > 31) return LOG_RTERR(getCtxtPtr(), ASN_E_INVFORMAT);
-  const int stat = ensureParsed();
-  if (stat < 0) return stat;
-  if (!checkDate(day, mMonth, mYear)) return LOG_RTERR(getCtxtPtr(), ASN_E_INVFORMAT);
   return setField(&ASN1TimeFields::day, day);
 }
 

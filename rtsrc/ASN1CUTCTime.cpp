@@ -48,13 +48,7 @@ int ASN1CUTCTime::setFraction(int fraction) {
 
 int ASN1CUTCTime::setTime(long t, ASN1BOOL diffTime) { return setCalendarTime(t, diffTime); }
 
-int ASN1CUTCTime::parseString(const char* text) {
-  ASN1TimeFields fields;
-  const int stat = rtParseUTCTime(getCtxtPtr(), text, &fields);
-  if (stat < 0) return stat;
-  storeParsed(fields, text);
-  return 0;
-}
+int ASN1CUTCTime::parseString(const char* text) { return parseWith(rtParseUTCTime, text); }
 
 void ASN1CUTCTime::clear() {
   ASN1CTime::clear();

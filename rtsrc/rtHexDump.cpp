@@ -37,10 +37,12 @@ size_t formatLine(char (&line)[kMaxLine + 1], ASN1UINT offset, const ASN1OCTET* 
 template <typename Sink>
 void dumpLines(const ASN1OCTET* data, ASN1UINT numocts, Sink sink) {
   char line[kMaxLine + 1];
-  for (ASN1UINT offset = 0; offset < numocts; offset += kOctetsPerLine) {
+  /* Advanced by what was dumped, so that the offset cannot wrap past the end near 4 GiB. */
+  for (ASN1UINT offset = 0; offset < numocts;) {
     ASN1UINT rest = numocts - offset;
     ASN1UINT count = rest < kOctetsPerLine ? rest : kOctetsPerLine;
     sink(line, formatLine(line, offset, data + offset, count));
+    offset += count;
   }
 }
 

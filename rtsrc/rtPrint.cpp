@@ -139,10 +139,11 @@ void renderCount(Output& out, ASN1UINT count, const char* unit) {
   out.put(')');
 }
 
-// One continuation line per 16 octets: "30 82 01 0A ...".
+// One continuation line per 16 octets: "30 82 01 0A ...". The loops over lines advance by
+// what they wrote, so that a count near 4 GiB cannot wrap the position and loop forever.
 void renderHexLines(Output& out, int level, const ASN1OCTET* data, ASN1UINT numocts,
                     ASN1OCTET lastMask) {
-  for (ASN1UINT offset = 0; offset < numocts; offset += kInlineOctets) {
+  for (ASN1UINT offset = 0; offset < numocts;) {
     const ASN1UINT count = numocts - offset < kInlineOctets ? numocts - offset : kInlineOctets;
     char line[3 * kInlineOctets];
     for (ASN1UINT i = 0; i < count; ++i) {
@@ -155,6 +156,7 @@ void renderHexLines(Output& out, int level, const ASN1OCTET* data, ASN1UINT numo
     out.put('\n');
     out.indent(level);
     out.write(line, 3 * count - 1);
+    offset += count;
   }
 }
 
@@ -172,11 +174,12 @@ void renderBinaryDigits(Output& out, const ASN1OCTET* data, ASN1UINT from, ASN1U
 
 // One continuation line per 64 bits, in groups of eight.
 void renderBinaryLines(Output& out, int level, const ASN1OCTET* data, ASN1UINT numbits) {
-  for (ASN1UINT from = 0; from < numbits; from += kInlineBinaryBits) {
+  for (ASN1UINT from = 0; from < numbits;) {
     const ASN1UINT to = numbits - from < kInlineBinaryBits ? numbits : from + kInlineBinaryBits;
     out.put('\n');
     out.indent(level);
     renderBinaryDigits(out, data, from, to, true);
+    from = to;
   }
 }
 

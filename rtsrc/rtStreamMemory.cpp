@@ -108,7 +108,7 @@ int rtStreamMemoryAttach(ASN1CTXT* pctxt, ASN1OCTET* pbuffer, size_t bufsize,
   if (!pctxt) return ASN_E_INVPARAM;
   int stat = checkDirection(pctxt, flags);
   if (stat < 0) return stat;
-  if (!pbuffer || (ASN1UINT64)bufsize > 0xFFFFFFFFu) return LOG_RTERR(pctxt, ASN_E_INVPARAM);
+  if (!pbuffer || (size_t)(ASN1UINT)bufsize != bufsize) return LOG_RTERR(pctxt, ASN_E_INVPARAM);
   return attachMemory(pctxt, pbuffer, (ASN1UINT)bufsize, 1, flags);
 }
 

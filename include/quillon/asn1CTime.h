@@ -153,12 +153,13 @@ class QN_API ASN1CTime : public ASN1CType {
   int addMilliseconds(int msec);
 
  protected:
+  using TimeParser = int (*)(ASN1CTXT*, const char*, ASN1TimeFields*);
   using TimeMaker = int (*)(ASN1CTXT*, const ASN1TimeFields*, char**, int);
 
   /* Parses the held string unless the fields are already current. */
   int ensureParsed();
-  /* Takes parsed fields: an explicit zero offset in text becomes UTC. */
-  void storeParsed(const ASN1TimeFields& fields, const char* text);
+  /* Reads text with parse into the fields; an explicit zero offset becomes UTC. */
+  int parseWith(TimeParser parse, const char* text);
   /* Writes the fields with make into the held string; an incomplete time empties it. */
   int writeString(TimeMaker make);
   /* The shared body of setTime. */
@@ -166,20 +167,22 @@ class QN_API ASN1CTime : public ASN1CType {
   /* Re-expresses a UTC time in this machine's zone with an explicit offset (stays UTC where
    * the offset is 0). */
   int convertToLocalZone();
+
+ private:
   /* Applies a new set of fields and rewrites the string; all or nothing. */
   int commitFields(const ASN1TimeFields& fields);
   void toFields(ASN1TimeFields& fields) const;
   void fromFields(const ASN1TimeFields& fields);
-  /* Sets one field of the record to value after the text was read; all or nothing. */
+  /* Sets one field of the record to value after the text was read, keeping the date valid;
+   * all or nothing. */
   int setField(ASN1SINT ASN1TimeFields::*field, int value);
   /* Year, month, day and hour are set. */
   bool isComplete() const;
   /* The instant in milliseconds since 1970-01-01T00:00:00Z. */
   int instant(long long& epochMillis);
-
- private:
   void initFields(char** ppTimeStr, int bufSize, ASN1BOOL useDerRules);
   void resetFields();
+  int readField(const ASN1SINT& field);
   int setZone(int dhour, int dminutes);
   int convertToUTC();
   int compareTo(ASN1CTime& other, int& order);

@@ -19,6 +19,7 @@
 #include "asn1berStream.h"
 #include "rtPrint.h"
 #include "rtCompare.h"
+#include "asn1xer.h"
 
 #ifdef __cplusplus
 #include "asn1CppTypes.h"
@@ -27,6 +28,7 @@
 #include "asn1Stream.h"
 #include "asn1CTime.h"
 #include "asn1CBitStr.h"
+#include "asn1XerCppTypes.h"
 #endif
 
 #endif

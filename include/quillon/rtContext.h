@@ -36,6 +36,13 @@ QN_API void rtSetCopyValues(ASN1CTXT* pctxt);
 QN_API void rtCtxtSetMemHeap(ASN1CTXT* pctxt, ASN1CTXT* pSrcCtxt);
 QN_API void rtCtxtSetMsgMemHeap(ASN1CTXT* pctxt, ASN1CTXT* pSrcCtxt);
 
+/* The context's forward byte writer (used by the XML encoder): appends nocts bytes at the
+ * buffer's byte position and advances it. A dynamic buffer (or a context with no buffer yet)
+ * grows on msgMemHeap; a caller's static buffer that cannot hold them fails with -1 and is left
+ * as it was. With a stream attached the bytes go to the stream instead (staged when it is
+ * buffered). 0, -1, -12, -30 for null data, or the stream's status; all recorded. */
+QN_API int rtWriteBytes(ASN1CTXT* pctxt, const ASN1OCTET* data, size_t nocts);
+
 /* Error record. rtErrSetData keeps the first status since the last reset, adds {module, line}
  * to the trace (at most 8 entries) and returns its status argument. */
 QN_API int rtErrSetData(ASN1ErrInfo* pErrInfo, int status, const char* module, int lineno);

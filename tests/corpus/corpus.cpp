@@ -56,6 +56,8 @@ std::vector<Entry> readManifest() {
 
 }  // namespace
 
+void PrintTo(const Entry& entry, std::ostream* os) { *os << entry.file; }
+
 bool Entry::isPem() const { return endsWith(file, ".pem"); }
 
 bool Entry::isBer() const { return endsWith(file, ".ber"); }

@@ -9,6 +9,7 @@
 #include <stdint.h>
 
 #include <map>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -35,6 +36,9 @@ struct Entry {
   // The list of a note, empty when the entry has none.
   std::vector<std::string> noteList(const std::string& key) const;
 };
+
+// Names a parameterised test's entry by its file in test output.
+void PrintTo(const Entry& entry, std::ostream* os);
 
 // tests/data: $QN_TEST_DATA when set, else the folder the build was configured with.
 std::string dataDir();

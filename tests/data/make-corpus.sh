@@ -406,13 +406,16 @@ init_ca_dir() {
 }
 
 # Issues a certificate for a key: ca_sign CA KEY SUBJECT EXTENSIONS OUT [more ca options].
+# EXTENSIONS "none" makes a version 1 certificate.
 ca_sign() {
   local ca=$1 key=$2 subject=$3 ext=$4 out=$5
   shift 5
+  local exts=(-extensions "$ext")
+  [ "$ext" != none ] || exts=()
   ossl req -new -config "$work/ca.cnf" -key "$key" -subj "$subject" -out "$work/req.pem" \
     -multivalue-rdn
   ossl ca -batch -notext -config "$work/ca.cnf" -name "$ca" -in "$work/req.pem" \
-    -startdate "$start" -enddate "$end" -extensions "$ext" -preserveDN -out "$out.pem" "$@"
+    -startdate "$start" -enddate "$end" "${exts[@]}" -preserveDN -out "$out.pem" "$@"
   ossl x509 -in "$out.pem" -outform DER -out "$out.der"
 }
 
@@ -455,10 +458,7 @@ make_certificates() {
   ca_sign sub "$(key_file leaf-rsa)" \
     "/DC=test/DC=example/C=DE/ST=Berlin/L=Berlin/street=Main Street 1/O=Example/OU=Corpus+OU=Names/title=Dr/SN=Surname/GN=Given/initials=GS/generationQualifier=III/pseudonym=Nick/dnQualifier=dnq/serialNumber=12345/UID=uid1/CN=Attribute Leaf/emailAddress=attrs@example.test" \
     v3_leaf "$work/attrs"
-  # Version 1: no extensions at all.
-  ossl x509 -req -in "$work/req.pem" -CA "$work/sub.pem" -CAkey "$(key_file sub-rsa)" \
-    -set_serial 4242 -days 3650 -out "$work/v1.pem" -outform PEM
-  ossl x509 -in "$work/v1.pem" -outform DER -out "$work/v1.der"
+  ca_sign sub "$(key_file leaf-rsa)" "/C=DE/O=Example/CN=Version 1 Leaf" none "$work/v1"
   # A certificate signed by a DSA key with SHA-1, so that both algorithm identifiers of the
   # certificate carry parameters the algorithm set knows.
   ossl req -new -x509 -key "$(key_file leaf-dsa)" -sha1 -set_serial 77 -days 3650 \
@@ -481,7 +481,7 @@ make_certificates() {
   add_der "$work/names.der" cert general-names "$cert" "reach=GeneralNames"
   add_der "$work/rsa.der" cert leaf-rsa "$cert" "$leaf"
   add_der "$work/sha1.der" cert leaf-rsa-sha1 "$cert" "$leaf"
-  add_der "$work/ec.der" cert leaf-ec "$cert" "reach=KeyUsage,GeneralNames opaque=1.2.840.10045.2.1,1.2.840.10045.4.3.2"
+  add_der "$work/ec.der" cert leaf-ec "$cert" "reach=KeyUsage,GeneralNames opaque=1.2.840.10045.2.1"
   add_der "$work/dsa.der" cert leaf-dsa "$cert" "$leaf,Dss_Parms"
   add_der "$work/ed25519.der" cert leaf-ed25519 "$cert" "$leaf"
   add_der "$work/rsapss.der" cert leaf-rsapss "$cert" "$leaf opaque=1.2.840.113549.1.1.10"
@@ -491,7 +491,7 @@ make_certificates() {
   add_der "$work/attrs.der" cert subject-attributes "$cert" \
     "$leaf,CaseIgnoreIA5StringSyntax,_title_Type,_surname_Type,_givenName_Type,_initials_Type,_generationQualifier_Type,_x520Pseudonym_Type,_localityName_Type,_stateOrProvinceName_Type,_organizationalUnitName_Type,PHGString"
   add_der "$work/v1.der" cert version1 "$cert" "reach=NULLParams"
-  add_der "$work/dsa-self.der" cert dsa-sha1-self-signed "$cert" "reach=Dss_Parms,NULLParams"
+  add_der "$work/dsa-self.der" cert dsa-sha1-self-signed "$cert" "reach=Dss_Parms"
 }
 
 # ------------------------------------------------------------------------ CRLs
@@ -648,7 +648,7 @@ make_cms() {
   add_der "$work/cms-pkcs7-signed.der" cms pkcs7-signed "$ci" "$signed opaque=$data_oid"
   add_der "$work/cms-pkcs7-enveloped.der" cms pkcs7-enveloped "$ci" "reach=EnvelopedData,NULLParams"
   add_der "$work/cms-pkcs7-certs-crl.der" cms pkcs7-certs-crl "$ci" \
-    "reach=SignedData,CRLReason,InvalidityDate,NameConstraintsSyntax opaque=$data_oid"
+    "reach=SignedData,CRLReason,InvalidityDate,NameConstraintsSyntax"
   add_ber "$work/cms-pkcs7-certs-crl-unsorted.der" cms pkcs7-certs-crl
 }
 
@@ -714,11 +714,12 @@ write_tsa_config() {
 [ tsa ]
 default_tsa = full
 
+# No further certificates: openssl puts the signer's first and the others after it unsorted,
+# which is not DER when the signer's encoding does not sort first.
 [ full ]
 serial = $work/tsaserial
 crypto_device = builtin
 signer_cert = $work/tsa.pem
-certs = $work/chain.pem
 signer_key = $(key_file tsa-rsa)
 signer_digest = sha256
 default_policy = 1.3.6.1.4.1.55555.5.1
@@ -728,7 +729,6 @@ accuracy = secs:1, millisecs:500, microsecs:100
 clock_precision_digits = 3
 ordering = yes
 tsa_name = yes
-ess_cert_id_chain = yes
 ess_cert_id_alg = sha256
 
 # The oldest form: signingCertificate with SHA-1 identifiers, no accuracy, no name.
@@ -769,7 +769,7 @@ make_tsp() {
   add_der "$work/ts-query-nonce-cert.der" tsp query-nonce-cert "$treq"
   add_der "$work/ts-query-sha1-policy.der" tsp query-sha1-policy "$treq" "reach=NULLParams"
   add_der "$work/ts-reply-full.der" tsp reply-certs-accuracy-nonce "$tresp" \
-    "$token,SigningCertificateV2,GeneralNames"
+    "$token,SigningCertificateV2"
   add_der "$work/ts-reply-plain.der" tsp reply-no-certs "$tresp" "$token,SigningCertificate"
   # Its failInfo names unacceptedPolicy (bit 15); the CMP module's PKIFailureInfo, which the
   # time-stamp module uses, names bits 0 to 9 only.

@@ -302,10 +302,4 @@ TEST(CppValueRecords, DefaultConstructionEmptiesThem) {
   EXPECT_EQ(list->tail, nullptr);
   memset(raw, 0xA5, sizeof raw);
   EXPECT_EQ((new (raw) ASN1TObjId64())->numids, 0u);
-
-  const ASN1OCTET octets[] = {1, 2, 3};
-  ASN1DynOctStr plain = {3, octets};
-  ASN1TDynOctStr converted = plain;
-  EXPECT_EQ(converted.numocts, 3u);
-  EXPECT_EQ(converted.data, octets);
 }

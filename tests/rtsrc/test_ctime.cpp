@@ -156,6 +156,8 @@ TEST_F(CTimeTest, TimesBeyondALongAreRefusedByGetTime) {
   } else {
     EXPECT_EQ(last.t.getTime(), 253402300799L);
   }
+  UtcTime beforeRange("240101120000Z");
+  expectRefused(beforeRange, beforeRange.t.setTime(-631152001L, 0));  // 1949-12-31T23:59:59Z
   GenTime first("00000101000000Z");
   EXPECT_EQ(first.t.getDaysNum(), 1);
   EXPECT_EQ(first.t.getMillisNum(), 0);

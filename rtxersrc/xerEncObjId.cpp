@@ -1,0 +1,68 @@
+/* OBJECT IDENTIFIER and RELATIVE-OID values as dotted decimal arcs. */
+#include <quillon/rtValueText.h>
+
+#include "xerEncCommon.h"
+
+using namespace qn::xer;
+
+namespace {
+
+/* Dotted text of the longest identifier: 128 arcs of up to 20 digits, the dots and the NUL. */
+constexpr size_t kOidText = ASN_K_MAXSUBIDS * 21;
+
+/* Decimal text of a 32-bit arc with its sign and the NUL. */
+constexpr size_t kArcText = 12;
+
+/* The value rules of an identifier: two arcs at least, a first arc of 0, 1 or 2, and under
+ * 0 and 1 a second arc below 40. */
+template <typename Oid>
+bool isValidObjId(const Oid* pvalue) {
+  if (pvalue->numids < 2 || pvalue->numids > ASN_K_MAXSUBIDS) return false;
+  if (pvalue->subid[0] > 2) return false;
+  return pvalue->subid[0] == 2 || pvalue->subid[1] <= 39;
+}
+
+template <typename Oid, typename ToText>
+int writeObjId(ASN1CTXT* pctxt, const Oid* pvalue, const char* elemName, ToText toText) {
+  if (!pvalue) return ASN_E_INVPARAM;
+  if (!isValidObjId(pvalue)) return ASN_E_INVOBJID;
+  char text[kOidText];
+  const int len = toText(pctxt, pvalue, text, sizeof text);
+  if (len < 0) return len;
+  return writeElement(pctxt, nameOr(elemName, "OBJECT_IDENTIFIER"), nullptr,
+                      [&](TextStage& s) { s.put(text, static_cast<size_t>(len)); });
+}
+
+/* Arcs of a relative identifier are printed as signed numbers, as its readers have always
+ * received them. */
+void putSignedArcs(TextStage& s, const ASN1OBJID* pvalue) {
+  char arc[kArcText];
+  for (ASN1UINT k = 0; k < pvalue->numids; ++k) {
+    if (k > 0) s.put('.');
+    const int len = rtIntToString(s.ctxt(), static_cast<ASN1INT>(pvalue->subid[k]), arc,
+                                  sizeof arc);
+    if (len > 0) s.put(arc, static_cast<size_t>(len));
+  }
+}
+
+}  // namespace
+
+QN_BEGIN_C
+
+int xerEncObjId(ASN1CTXT* pctxt, const ASN1OBJID* pvalue, const char* elemName) {
+  return XER_TRACE(pctxt, writeObjId(pctxt, pvalue, elemName, rtOidToStr));
+}
+
+int xerEncObjId64(ASN1CTXT* pctxt, const ASN1OID64* pvalue, const char* elemName) {
+  return XER_TRACE(pctxt, writeObjId(pctxt, pvalue, elemName, rtOid64ToStr));
+}
+
+int xerEncRelativeOID(ASN1CTXT* pctxt, const ASN1OBJID* pvalue, const char* elemName) {
+  if (!pvalue) return LOG_RTERR(pctxt, ASN_E_INVPARAM);
+  if (pvalue->numids > ASN_K_MAXSUBIDS) return LOG_RTERR(pctxt, ASN_E_INVOBJID);
+  int stat = writeElement(pctxt, nameOr(elemName, "RELATIVE_OID"), nullptr,
+                          [pvalue](TextStage& s) { putSignedArcs(s, pvalue); });
+  return XER_TRACE(pctxt, stat);
+}
+
+QN_END_C
