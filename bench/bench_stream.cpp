@@ -110,7 +110,9 @@ int bufferTagAndLen(ASN1CTXT* c, ASN1TagType* tag, int* len) {
   return xd_tag_len(c, tag, len, XM_ADVANCE);
 }
 bool bufferMore(ASN1CTXT* c) { return c->buffer.byteIndex < c->buffer.size; }
-bool streamMore(ASN1CTXT* c) { return rtStreamBufPreRead(c, 1) > 0; }
+bool streamMore(ASN1CTXT* c) {
+  return c->buffer.byteIndex < c->buffer.size || rtStreamBufPreRead(c, 1) > 0;
+}
 
 const Walker kBufferWalker = {bufferTagAndLen, bufferMore, xd_objid, xd_boolean, xd_integer,
                               xd_octstr};

@@ -140,7 +140,8 @@ int ASN1BERInputStream::decodeObj(ASN1CType& c) {
   pctxt->buffer = readBuffer;
   const ASN1USINT messageFlags = ASN1INDEFLEN | ASN1LASTEOC;
   pctxt->flags = (ASN1USINT)((pctxt->flags & ~messageFlags) | (flags & messageFlags));
-  if (!(pctxt->flags & ASN1FASTCOPY)) rtMemHeapFreePtr(&pctxt->memHeap, const_cast<ASN1OCTET*>(element));
+  if (!(pctxt->flags & ASN1FASTCOPY))
+    rtMemHeapFreePtr(&pctxt->memHeap, const_cast<ASN1OCTET*>(element));
   return (int)check(stat);
 }
 

@@ -16,9 +16,6 @@ constexpr ASN1UINT kFirstChunk = 1u << 20;
 constexpr ASN1UINT kFirstChunkUnknown = 4096;
 constexpr ASN1UINT kMaxElement = 0x7FFFFFFFu;
 
-/* Decoders see an element as a complete buffer of known size, and copy what they keep. */
-constexpr ASN1USINT kWindowFlags = ASN1INDEFLEN | ASN1LASTEOC | ASN1FASTCOPY;
-
 /* Heap memory holding a large element as it is read. */
 struct Area {
   ASN1OCTET* data;
@@ -65,7 +62,7 @@ int transfer(ASN1CTXT* pctxt, Area* a, ASN1UINT n) {
  * so the walk ends with the stream on any input. */
 int transferToEOC(ASN1CTXT* pctxt, Area* a) {
   for (ASN1UINT depth = 1; depth > 0;) {
-    qn::bstrm::Header h;
+    qn::bstrm::Header h = {0, 0, 0};
     int stat = qn::bstrm::peekHeader(pctxt, &h);
     if (stat < 0) return LOG_RTERR(pctxt, stat);
     stat = transfer(pctxt, a, h.octets);
@@ -81,17 +78,8 @@ int transferToEOC(ASN1CTXT* pctxt, Area* a) {
   return 0;
 }
 
-void beginWindow(ASN1CTXT* pctxt, qn::bstrm::Element* e) {
-  e->saved = pctxt->buffer;
-  e->savedFlags = pctxt->flags;
-  pctxt->flags &= (ASN1USINT)~kWindowFlags;
-}
-
 int inReadBuffer(ASN1CTXT* pctxt, ASN1UINT extent, qn::bstrm::Element* e) {
-  beginWindow(pctxt, e);
-  e->area = nullptr;
-  e->extent = extent;
-  pctxt->buffer.size = pctxt->buffer.byteIndex + extent;
+  qn::bstrm::windowInReadBuffer(pctxt, extent, e);
   return 0;
 }
 
@@ -124,7 +112,8 @@ int onHeap(ASN1CTXT* pctxt, ASN1UINT headerOctets, int length, bool borrow,
     rtMemHeapFreePtr(&pctxt->memHeap, a.data);
     return stat;
   }
-  beginWindow(pctxt, e);
+  e->saved = pctxt->buffer;
+  qn::bstrm::saveWindowFlags(pctxt, e);
   if (borrow) pctxt->flags |= ASN1FASTCOPY;
   e->area = a.data;
   e->extent = a.used;
@@ -163,17 +152,18 @@ int readStreamLength(const ASN1OCTET* p, ASN1UINT end, ASN1UINT* idx_p, int* len
   return 0;
 }
 
-/* The common case needs no call. */
-long ensureBuffered(ASN1CTXT* pctxt, ASN1UINT count) {
-  const ASN1BUFFER& b = pctxt->buffer;
-  const ASN1USINT bufferedInput = OSRTSTRMF_BUFFERED | OSRTSTRMF_INPUT;
-  if (pctxt->pStream && (pctxt->pStream->flags & bufferedInput) == bufferedInput &&
-      b.size - b.byteIndex >= count)
-    return (long)(b.size - b.byteIndex);
-  return rtStreamBufPreRead(pctxt, count);
-}
-
 int peekHeader(ASN1CTXT* pctxt, Header* h) {
+  /* Most headers are a one-octet identifier and a short length already in the buffer. */
+  const ASN1BUFFER& b = pctxt->buffer;
+  if (ensureBuffered(pctxt, 2) >= 2) {
+    const ASN1OCTET* p = b.data + b.byteIndex;
+    if ((p[0] & 0x1F) != 0x1F && p[1] < 0x80) {
+      h->tag = qn::xd::tagOfOctet(p[0]);
+      h->len = p[1];
+      h->octets = 2;
+      return 0;
+    }
+  }
   long avail = ensureBuffered(pctxt, kMaxHeader);
   if (avail < 0) return (int)avail;
   const ASN1OCTET* p = pctxt->buffer.data + pctxt->buffer.byteIndex;
@@ -187,18 +177,11 @@ int peekHeader(ASN1CTXT* pctxt, Header* h) {
   return 0;
 }
 
-void consumeBuffered(ASN1CTXT* pctxt, ASN1UINT n) {
-  pctxt->buffer.byteIndex += n;
-  pctxt->pStream->bytesRead += n;
-}
-
 int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, bool borrow,
                 Element* e) {
-  long avail = ensureBuffered(pctxt, 0);
-  if (avail < 0) return (int)avail;
   ASN1UINT headerOctets = 0;
   if (tagging) {
-    Header h;
+    Header h = {0, 0, 0};
     int stat = peekHeader(pctxt, &h);
     if (stat < 0) return LOG_RTERR(pctxt, stat);
     if (expected != ASN_K_NOTAG && (h.tag & ~TM_CONS) != expected) {
@@ -208,13 +191,15 @@ int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, 
     }
     headerOctets = h.octets;
     length = h.len;
-  } else if (length < 0 && length != ASN_K_INDEFLEN) {
-    /* The decoder reports the bad length over no contents at all. */
-    return inReadBuffer(pctxt, 0, e);
+  } else {
+    long avail = ensureBuffered(pctxt, 0);
+    if (avail < 0) return (int)avail;
+    /* The decoder reports a bad length over no contents at all. */
+    if (length < 0 && length != ASN_K_INDEFLEN) return inReadBuffer(pctxt, 0, e);
   }
   if (length != ASN_K_INDEFLEN && (ASN1UINT)length <= pctxt->pStream->bufsize - headerOctets) {
     const ASN1UINT extent = headerOctets + (ASN1UINT)length;
-    avail = ensureBuffered(pctxt, extent);
+    long avail = ensureBuffered(pctxt, extent);
     if (avail < 0) return (int)avail;
     if ((ASN1UINT)avail < extent) return LOG_RTERR(pctxt, ASN_E_ENDOFBUF);
     return inReadBuffer(pctxt, extent, e);
@@ -226,7 +211,7 @@ int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, 
 }
 
 int skipElement(ASN1CTXT* pctxt) {
-  Header h;
+  Header h = {0, 0, 0};
   int stat = peekHeader(pctxt, &h);
   if (stat < 0) return LOG_RTERR(pctxt, stat);
   stat = transfer(pctxt, nullptr, h.octets);
@@ -235,14 +220,8 @@ int skipElement(ASN1CTXT* pctxt) {
                                  : transfer(pctxt, nullptr, (ASN1UINT)h.len);
 }
 
-int closeElement(ASN1CTXT* pctxt, Element* e, int stat, const void* kept) {
-  pctxt->flags = (ASN1USINT)((pctxt->flags & ~kWindowFlags) | (e->savedFlags & kWindowFlags));
-  if (!e->area) {
-    pctxt->buffer.size = e->saved.size;
-    pctxt->buffer.byteIndex = e->saved.byteIndex;
-    if (stat >= 0) consumeBuffered(pctxt, e->extent);
-    return stat;
-  }
+int closeHeapElement(ASN1CTXT* pctxt, Element* e, int stat, const void* kept) {
+  restoreWindowFlags(pctxt, e);
   pctxt->buffer = e->saved;
   const ASN1OCTET* p = static_cast<const ASN1OCTET*>(kept);
   const bool inArea = p && p >= e->area && p < e->area + e->extent;

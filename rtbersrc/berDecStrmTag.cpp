@@ -39,8 +39,8 @@ void takeHeader(ASN1CTXT* pctxt, ASN1TagType tag, ASN1UINT octets) {
 QN_BEGIN_C
 
 int berDecStrmTag(ASN1CTXT* pctxt, ASN1TagType* tag_p) {
-  ASN1TagType tag;
-  ASN1UINT octets;
+  ASN1TagType tag = 0;
+  ASN1UINT octets = 0;
   int stat = peekTag(pctxt, &tag, &octets);
   if (stat < 0) return stat;
   takeHeader(pctxt, tag, octets);
@@ -49,8 +49,8 @@ int berDecStrmTag(ASN1CTXT* pctxt, ASN1TagType* tag_p) {
 }
 
 int berDecStrmPeekTag(ASN1CTXT* pctxt, ASN1TagType* tag_p) {
-  ASN1TagType tag;
-  ASN1UINT octets;
+  ASN1TagType tag = 0;
+  ASN1UINT octets = 0;
   int stat = peekTag(pctxt, &tag, &octets);
   if (stat < 0) return stat;
   if (tag_p) *tag_p = tag;
@@ -61,7 +61,7 @@ int berDecStrmLength(ASN1CTXT* pctxt, int* len_p) {
   long avail = ensureBuffered(pctxt, kMaxLengthOctets);
   if (avail < 0) return (int)avail;
   ASN1UINT idx = 0;
-  int len;
+  int len = 0;
   int stat = readStreamLength(readPosition(pctxt), (ASN1UINT)avail, &idx, &len);
   if (stat < 0) return LOG_RTERR(pctxt, stat);
   consumeBuffered(pctxt, idx);
@@ -70,7 +70,7 @@ int berDecStrmLength(ASN1CTXT* pctxt, int* len_p) {
 }
 
 int berDecStrmTagAndLen(ASN1CTXT* pctxt, ASN1TagType* tag_p, int* len_p) {
-  Header h;
+  Header h = {0, 0, 0};
   int stat = peekHeader(pctxt, &h);
   if (stat < 0) return LOG_RTERR(pctxt, stat);
   takeHeader(pctxt, h.tag, h.octets);

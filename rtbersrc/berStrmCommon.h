@@ -16,6 +16,7 @@
 #include <quillon/asn1berdec.h>
 #include <quillon/asn1berenc.h>
 #include <quillon/rtMemHeap.h>
+#include <quillon/rtStream.h>
 
 #include "rtErrLog.h"
 
@@ -130,8 +131,16 @@ struct Header {
 };
 
 /* Unread octets in the read buffer once count of them are there, fewer only at the end of
- * the stream; or a recorded status when the context has no input stream. */
-long ensureBuffered(ASN1CTXT* pctxt, ASN1UINT count);
+ * the stream; or a recorded status when the context has no input stream. The common case,
+ * a buffered input stream already holding them, needs no call. */
+inline long ensureBuffered(ASN1CTXT* pctxt, ASN1UINT count) {
+  const ASN1BUFFER& b = pctxt->buffer;
+  const ASN1USINT bufferedInput = OSRTSTRMF_BUFFERED | OSRTSTRMF_INPUT;
+  if (pctxt->pStream && (pctxt->pStream->flags & bufferedInput) == bufferedInput &&
+      b.size - b.byteIndex >= count)
+    return (long)(b.size - b.byteIndex);
+  return rtStreamBufPreRead(pctxt, count);
+}
 
 /* A length at *idx_p of the count octets at p, whose contents need not follow yet. */
 int readStreamLength(const ASN1OCTET* p, ASN1UINT count, ASN1UINT* idx_p, int* len_p);
@@ -141,7 +150,10 @@ int readStreamLength(const ASN1OCTET* p, ASN1UINT count, ASN1UINT* idx_p, int* l
 int peekHeader(ASN1CTXT* pctxt, Header* h);
 
 /* Consumes n octets known to be in the read buffer. */
-void consumeBuffered(ASN1CTXT* pctxt, ASN1UINT n);
+inline void consumeBuffered(ASN1CTXT* pctxt, ASN1UINT n) {
+  pctxt->buffer.byteIndex += n;
+  pctxt->pStream->bytesRead += n;
+}
 
 /* Reads past one complete element of either length form. Records its failures. */
 int skipElement(ASN1CTXT* pctxt);
@@ -152,13 +164,62 @@ static inline int traced(ASN1CTXT* pctxt, int stat) {
   return stat < 0 ? LOG_RTERR(pctxt, stat) : stat;
 }
 
-/* The element the buffer decoder is about to read, and what to restore afterwards. */
+/* The element the buffer decoder is about to read, and what to restore afterwards (of the
+ * buffer record, only the position for an element of the read buffer). */
 struct Element {
   ASN1BUFFER saved;
   ASN1USINT savedFlags;
   ASN1OCTET* area; /* heap copy of a large element; null when decoded in the read buffer */
   ASN1UINT extent;
 };
+
+/* Decoders see an element as a complete buffer of known size, and copy what they keep. */
+constexpr ASN1USINT kWindowFlags = ASN1INDEFLEN | ASN1LASTEOC | ASN1FASTCOPY;
+
+inline void saveWindowFlags(ASN1CTXT* pctxt, Element* e) {
+  e->savedFlags = pctxt->flags;
+  pctxt->flags &= (ASN1USINT)~kWindowFlags;
+}
+
+inline void restoreWindowFlags(ASN1CTXT* pctxt, const Element* e) {
+  pctxt->flags = (ASN1USINT)((pctxt->flags & ~kWindowFlags) | (e->savedFlags & kWindowFlags));
+}
+
+/* The element is the next extent octets of the read buffer, which the decoder reads in place.
+ * Its header and lengths keep the decoder within them, and the end of the buffered octets
+ * within memory, so only the position is kept: saving and restoring more of the buffer record
+ * would make every value wait for the store of the position before it. */
+inline void windowInReadBuffer(ASN1CTXT* pctxt, ASN1UINT extent, Element* e) {
+  saveWindowFlags(pctxt, e);
+  e->saved.byteIndex = pctxt->buffer.byteIndex;
+  e->area = nullptr;
+  e->extent = extent;
+}
+
+/* The common case in line: a definite element with a one-octet identifier of the expected
+ * universal tag and a short length, or implicit contents, whole in the read buffer. False
+ * leaves everything to openElement. */
+inline bool openBufferedElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected,
+                                Element* e) {
+  const OSRTSTREAM* s = pctxt->pStream;
+  const ASN1USINT bufferedInput = OSRTSTRMF_BUFFERED | OSRTSTRMF_INPUT;
+  if (!s || (s->flags & bufferedInput) != bufferedInput) return false;
+  const ASN1BUFFER& b = pctxt->buffer;
+  const ASN1UINT avail = b.size - b.byteIndex;
+  ASN1UINT extent;
+  if (tagging) {
+    const ASN1OCTET* p = b.data + b.byteIndex;
+    if (avail < 2 || (p[0] & 0x1F) == 0x1F || p[1] >= 0x80) return false;
+    if (expected != ASN_K_NOTAG && (ASN1TagType)(p[0] & 0xDF) != expected) return false;
+    extent = 2u + p[1];
+  } else {
+    if (length < 0) return false;
+    extent = (ASN1UINT)length;
+  }
+  if (extent > avail) return false;
+  windowInReadBuffer(pctxt, extent, e);
+  return true;
+}
 
 /* Makes the next element available to a buffer decoder: with tagging its header and
  * contents, else the contents of length octets (the caller's header read). expected is the
@@ -168,16 +229,32 @@ struct Element {
 int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, bool borrow,
                 Element* e);
 
+/* Puts the stream's buffer back after a heap copy, freed unless kept points into it. */
+int closeHeapElement(ASN1CTXT* pctxt, Element* e, int stat, const void* kept);
+
 /* Puts the stream's buffer back and consumes the element, or on failure leaves an element of
- * the read buffer unread. A heap copy is freed unless kept points into it. Returns stat. */
-int closeElement(ASN1CTXT* pctxt, Element* e, int stat, const void* kept);
+ * the read buffer unread. Returns stat. */
+inline int closeElement(ASN1CTXT* pctxt, Element* e, int stat, const void* kept) {
+  if (e->area) return closeHeapElement(pctxt, e, stat, kept);
+  restoreWindowFlags(pctxt, e);
+  pctxt->buffer.byteIndex = e->saved.byteIndex;
+  if (stat >= 0) consumeBuffered(pctxt, e->extent);
+  return stat;
+}
+
+/* Opens the element in line when it can, else through openElement. */
+inline int openAnyElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected,
+                          bool borrow, Element* e) {
+  if (openBufferedElement(pctxt, tagging, length, expected, e)) return 0;
+  return openElement(pctxt, tagging, length, expected, borrow, e);
+}
 
 /* Runs a buffer decoder (decode() gives its status) over the next element. */
 template <typename Decode>
 int decodeElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected,
                   Decode decode) {
   Element e;
-  int stat = openElement(pctxt, tagging, length, expected, false, &e);
+  int stat = openAnyElement(pctxt, tagging, length, expected, false, &e);
   if (stat < 0) return stat;
   return closeElement(pctxt, &e, decode(), nullptr);
 }
@@ -198,7 +275,7 @@ template <typename Decode>
 int decodeBorrowing(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected,
                     const ASN1OCTET* const* result_p2, Decode decode) {
   Element e;
-  int stat = openElement(pctxt, tagging, length, expected, true, &e);
+  int stat = openAnyElement(pctxt, tagging, length, expected, true, &e);
   if (stat < 0) return stat;
   stat = decode();
   return closeElement(pctxt, &e, stat, stat < 0 ? nullptr : *result_p2);

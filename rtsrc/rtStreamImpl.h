@@ -27,7 +27,7 @@ inline void* allocSaved(ASN1CTXT* pctxt, size_t nbytes) {
 
 inline void freeSaved(ASN1CTXT* pctxt, void* mem) { rtMemHeapFreePtr(&pctxt->memHeap, mem); }
 
-/* The read procedures of a device, set by the open functions. */
+/* A device's procedures, as the open functions install them. */
 struct DeviceProcs {
   OSRTStreamReadProc read;
   OSRTStreamWriteProc write;

@@ -20,18 +20,21 @@ struct Escape {
 struct EscapeTable {
   Escape entry[256];
   EscapeTable() : entry() {
-    entry['&'] = {"&amp;", 5};
-    entry['<'] = {"&lt;", 4};
-    entry['>'] = {"&gt;", 4};
-    entry['"'] = {"&quot;", 6};
-    entry['\''] = {"&apos;", 6};
+    set('&', "&amp;");
+    set('<', "&lt;");
+    set('>', "&gt;");
+    set('"', "&quot;");
+    set('\'', "&apos;");
     /* Control characters keep a readable C-style escape of their own; these are not XML
      * character references and a decoder keeps them as two characters. */
-    entry['\b'] = {"\\b", 2};
-    entry['\t'] = {"\\t", 2};
-    entry['\n'] = {"\\n", 2};
-    entry['\f'] = {"\\f", 2};
-    entry['\r'] = {"\\r", 2};
+    set('\b', "\\b");
+    set('\t', "\\t");
+    set('\n', "\\n");
+    set('\f', "\\f");
+    set('\r', "\\r");
+  }
+  void set(char c, const char* text) {
+    entry[static_cast<unsigned char>(c)] = {text, static_cast<unsigned char>(strlen(text))};
   }
 };
 

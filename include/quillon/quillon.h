@@ -15,11 +15,13 @@
 #include "rtValueText.h"
 #include "rtReal.h"
 #include "rtBigInt.h"
+#include "rtCopy.h"
 #include "rtStream.h"
 #include "asn1berStream.h"
 #include "rtPrint.h"
 #include "rtCompare.h"
 #include "asn1xer.h"
+#include "asn1XerDec.h"
 
 #ifdef __cplusplus
 #include "asn1CppTypes.h"
@@ -29,6 +31,7 @@
 #include "asn1CTime.h"
 #include "asn1CBitStr.h"
 #include "asn1XerCppTypes.h"
+#include "asn1XerSax.h"
 #endif
 
 #endif

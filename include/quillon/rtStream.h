@@ -98,7 +98,8 @@ QN_API long rtStreamBufRead(ASN1CTXT* pctxt, ASN1OCTET* pbuffer, size_t count);
  * growing it when the mark or count need more room. Returns the bytes available, fewer than
  * count only when the stream has ended, or a status. */
 QN_API long rtStreamBufPreRead(ASN1CTXT* pctxt, size_t count);
-/* Skips count bytes, from the buffer first: 0, or -2 when the stream ends first. */
+/* Skips count bytes, from the buffer first, then on the device (whose skip cannot tell the
+ * end of the stream: a later read does). 0 or a status. */
 QN_API int rtStreamBufSkip(ASN1CTXT* pctxt, size_t count);
 /* Stages count bytes for the device, passing them on when the stage is full; a write of a
  * stage or more goes straight through. An unbuffered stream writes directly. 0 or a status. */

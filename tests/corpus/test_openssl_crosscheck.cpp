@@ -84,7 +84,8 @@ TEST_F(OpensslReadsOurEncoding, ChangedCrlReasonCode) {
   for (_Asn1RTDListNode* n = crl->tbsCertList.revokedCertificates.head; n; n = n->next) {
     auto* entry = static_cast<ASN1T_TBSCertList_revokedCertificates_element*>(n->data);
     if (std::string(entry->userCertificate) == "0x2004" && entry->m.crlEntryExtensionsPresent) {
-      reason = static_cast<ASN1T_CRLReason*>(extensionValue(entry->crlEntryExtensions, {2, 5, 29, 21}));
+      reason = static_cast<ASN1T_CRLReason*>(
+          extensionValue(entry->crlEntryExtensions, {2, 5, 29, 21}));
     }
   }
   ASSERT_NE(reason, nullptr) << "no typed reason code on entry 2004";

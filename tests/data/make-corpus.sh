@@ -34,7 +34,9 @@ fail() { log "$*"; exit 1; }
 
 # Runs openssl with its chatter kept in a log that is shown only when it fails.
 ossl() {
-  openssl "$@" >>"$work/openssl.log" 2>&1 || { tail -n 20 "$work/openssl.log" >&2; fail "openssl $1 failed"; }
+  openssl "$@" >>"$work/openssl.log" 2>&1 && return 0
+  tail -n 20 "$work/openssl.log" >&2
+  fail "openssl $1 failed"
 }
 
 # ------------------------------------------------------------------------ keys
@@ -59,7 +61,8 @@ make_keys() {
   make_key leaf-rsa -algorithm RSA -pkeyopt rsa_keygen_bits:2048
   make_key leaf-ec -algorithm EC -pkeyopt ec_paramgen_curve:P-256 -pkeyopt ec_param_enc:named_curve
   if [ ! -f "$(key_file leaf-dsa)" ]; then
-    ossl genpkey -genparam -algorithm DSA -pkeyopt dsa_paramgen_bits:2048 -out "$work/dsa-params.pem"
+    ossl genpkey -genparam -algorithm DSA -pkeyopt dsa_paramgen_bits:2048 \
+      -out "$work/dsa-params.pem"
     make_key leaf-dsa -paramfile "$work/dsa-params.pem"
   fi
   make_key leaf-ed25519 -algorithm ED25519
@@ -132,6 +135,12 @@ add_ber() {
   cp "$src" "$data/$kind/$name.ber"
   validate "$data/$kind/$name.ber"
   manifest "$kind/$name.ber" "$kind" "$(cut -f3 <<<"$last")" "$(cut -f4 <<<"$last")"
+}
+
+# The words joined by commas, for the lists of the notes.
+csv() {
+  local IFS=,
+  echo "$*"
 }
 
 write_manifest() {
@@ -455,9 +464,11 @@ make_certificates() {
   ca_sign sub "$(key_file tsa-rsa)" "/C=DE/O=Example/CN=Corpus TSA" v3_tsa "$work/tsa"
   ca_sign sub "$(key_file cmp-rsa)" "/C=DE/O=Example/CN=Corpus CMP Server" v3_cmp "$work/cmpsrv"
   # A subject with many attribute kinds, one RDN of several values among them.
-  ca_sign sub "$(key_file leaf-rsa)" \
-    "/DC=test/DC=example/C=DE/ST=Berlin/L=Berlin/street=Main Street 1/O=Example/OU=Corpus+OU=Names/title=Dr/SN=Surname/GN=Given/initials=GS/generationQualifier=III/pseudonym=Nick/dnQualifier=dnq/serialNumber=12345/UID=uid1/CN=Attribute Leaf/emailAddress=attrs@example.test" \
-    v3_leaf "$work/attrs"
+  local attrs="/DC=test/DC=example/C=DE/ST=Berlin/L=Berlin/street=Main Street 1/O=Example"
+  attrs+="/OU=Corpus+OU=Names/title=Dr/SN=Surname/GN=Given/initials=GS/generationQualifier=III"
+  attrs+="/pseudonym=Nick/dnQualifier=dnq/serialNumber=12345/UID=uid1/CN=Attribute Leaf"
+  attrs+="/emailAddress=attrs@example.test"
+  ca_sign sub "$(key_file leaf-rsa)" "$attrs" v3_leaf "$work/attrs"
   ca_sign sub "$(key_file leaf-rsa)" "/C=DE/O=Example/CN=Version 1 Leaf" none "$work/v1"
   # A certificate signed by a DSA key with SHA-1, so that both algorithm identifiers of the
   # certificate carry parameters the algorithm set knows.
@@ -470,13 +481,18 @@ make_certificates() {
   # ecdsa-with-SHA256, id-Ed25519 and RSASSA-PSS are no members of the algorithm set, so those
   # identifiers keep their parameters as octets.
   local cert="PKIX1Explicit88.Certificate"
-  local leaf="reach=BasicConstraintsSyntax,KeyUsage,_extKeyUsage_ExtnType,SubjectKeyIdentifier,AuthorityKeyIdentifier,GeneralNames,CRLDistPointsSyntax,AuthorityInfoAccessSyntax"
-  add_der "$work/root.der" cert root-ca "$cert" \
-    "reach=BasicConstraintsSyntax,KeyUsage,SubjectKeyIdentifier,NULLParams,_commonName_Type,_organizationName_Type opaque=1.2.840.113549.1.1.11"
-  add_der "$work/sub.der" cert sub-ca "$cert" \
-    "reach=CertificatePoliciesSyntax,PolicyConstraintsSyntax,PolicyMappingsSyntax,NameConstraintsSyntax,AuthorityKeyIdentifier opaque=2.5.29.54"
-  add_der "$work/full.der" cert full-extensions "$cert" \
-    "$leaf,CertificatePoliciesSyntax,FreshestCRL,SubjectInfoAccessSyntax,PrivateKeyUsagePeriod,AttributesSyntax,PHGString opaque=1.3.6.1.4.1.55555.1.1"
+  local leaf
+  leaf="reach=$(csv BasicConstraintsSyntax KeyUsage _extKeyUsage_ExtnType SubjectKeyIdentifier \
+    AuthorityKeyIdentifier GeneralNames CRLDistPointsSyntax AuthorityInfoAccessSyntax)"
+  add_der "$work/root.der" cert root-ca "$cert" "reach=$(csv BasicConstraintsSyntax KeyUsage \
+    SubjectKeyIdentifier NULLParams _commonName_Type _organizationName_Type) \
+    opaque=1.2.840.113549.1.1.11"
+  add_der "$work/sub.der" cert sub-ca "$cert" "reach=$(csv CertificatePoliciesSyntax \
+    PolicyConstraintsSyntax PolicyMappingsSyntax NameConstraintsSyntax AuthorityKeyIdentifier) \
+    opaque=2.5.29.54"
+  add_der "$work/full.der" cert full-extensions "$cert" "$leaf,$(csv CertificatePoliciesSyntax \
+    FreshestCRL SubjectInfoAccessSyntax PrivateKeyUsagePeriod AttributesSyntax PHGString) \
+    opaque=1.3.6.1.4.1.55555.1.1"
   add_pem "$work/full.pem" cert full-extensions
   add_der "$work/names.der" cert general-names "$cert" "reach=GeneralNames"
   add_der "$work/rsa.der" cert leaf-rsa "$cert" "$leaf"
@@ -488,8 +504,10 @@ make_certificates() {
   add_der "$work/ocsp.der" cert ocsp-responder "$cert" \
     "reach=_extKeyUsage_ExtnType opaque=1.3.6.1.5.5.7.48.1.5"
   add_der "$work/tsa.der" cert tsa "$cert" "reach=_extKeyUsage_ExtnType"
-  add_der "$work/attrs.der" cert subject-attributes "$cert" \
-    "$leaf,CaseIgnoreIA5StringSyntax,_title_Type,_surname_Type,_givenName_Type,_initials_Type,_generationQualifier_Type,_x520Pseudonym_Type,_localityName_Type,_stateOrProvinceName_Type,_organizationalUnitName_Type,PHGString"
+  add_der "$work/attrs.der" cert subject-attributes "$cert" "$leaf,$(csv \
+    CaseIgnoreIA5StringSyntax _title_Type _surname_Type _givenName_Type _initials_Type \
+    _generationQualifier_Type _x520Pseudonym_Type _localityName_Type \
+    _stateOrProvinceName_Type _organizationalUnitName_Type PHGString)"
   add_der "$work/v1.der" cert version1 "$cert" "reach=NULLParams"
   add_der "$work/dsa-self.der" cert dsa-sha1-self-signed "$cert" "reach=Dss_Parms"
 }
@@ -531,7 +549,8 @@ make_crls() {
     -crl_nextupdate "$crl_next" -out "$work/crl-empty.pem"
   ossl crl -in "$work/crl-empty.pem" -outform DER -out "$work/crl-empty.der"
   add_der "$work/crl-full.der" crl entries-and-idp "$crl" \
-    "reach=CRLReason,HoldInstruction,InvalidityDate,CRLNumber,IssuingDistPointSyntax,AuthorityKeyIdentifier"
+    "reach=$(csv CRLReason HoldInstruction InvalidityDate CRLNumber IssuingDistPointSyntax \
+      AuthorityKeyIdentifier)"
   add_der "$work/crl-delta.der" crl delta "$crl" "reach=BaseCRLNumber,CRLNumber,IssuingDistPointSyntax"
   add_pem "$work/crl-delta.pem" crl delta
   add_der "$work/crl-empty.der" crl no-entries "$crl" "reach=CRLNumber"
@@ -606,8 +625,8 @@ make_cms() {
   # PKCS #7 of the older tools: S/MIME signing and encryption, and a certificates-only message.
   ossl smime -sign -nodetach -in "$work/msg.txt" -signer "$work/rsa.pem" \
     -inkey "$(key_file leaf-rsa)" -outform DER -out "$work/cms-pkcs7-signed.der"
-  ossl smime -encrypt -aes128 -in "$work/msg.txt" -outform DER -out "$work/cms-pkcs7-enveloped.der" \
-    "$work/rsa.pem"
+  ossl smime -encrypt -aes128 -in "$work/msg.txt" -outform DER \
+    -out "$work/cms-pkcs7-enveloped.der" "$work/rsa.pem"
   # PKCS #7 keeps its certificates in the order given, which DER's order of a SET OF (by
   # encoding) puts the shorter root first: given the other way round the message is BER only.
   ossl crl2pkcs7 -in "$work/crl-full.pem" -certfile "$work/root.pem" -certfile "$work/sub.pem" \
@@ -887,7 +906,8 @@ EOF2
   # challengePassword and unstructuredName are no members of the attribute set.
   local attrs="opaque=1.2.840.113549.1.9.7,1.2.840.113549.1.9.2,1.3.6.1.4.1.55555.1.2"
   add_der "$work/p10-attributes.der" pkcs10 rsa-attributes "$p10" \
-    "reach=Extensions,BasicConstraintsSyntax,KeyUsage,_extKeyUsage_ExtnType,GeneralNames,NULLParams $attrs"
+    "reach=$(csv Extensions BasicConstraintsSyntax KeyUsage _extKeyUsage_ExtnType GeneralNames \
+      NULLParams) $attrs"
   add_pem "$work/p10-attributes.pem" pkcs10 rsa-attributes
   add_der "$work/p10-ec.der" pkcs10 ec-attributes "$p10" "reach=Extensions,GeneralNames $attrs"
   add_der "$work/p10-ed25519.der" pkcs10 ed25519 "$p10"
@@ -949,8 +969,8 @@ make_gost() {
     -in "$work/req.pem" -keyfile "$(key_file gost2012-256-ca)" -startdate "$start" \
     -enddate "$end" -extensions v3_root -out "$work/gost-ca.pem"
   ossl x509 -engine gost -in "$work/gost-ca.pem" -outform DER -out "$work/gost-ca.der"
-  gost_sign "$(key_file gost2001)" "/C=RU/O=Example/CN=GOST 2001 Leaf/emailAddress=gost@example.test" \
-    "$work/gost2001"
+  gost_sign "$(key_file gost2001)" \
+    "/C=RU/O=Example/CN=GOST 2001 Leaf/emailAddress=gost@example.test" "$work/gost2001"
   gost_sign "$(key_file gost2001-xch)" "/C=RU/O=Example/CN=GOST 2001 Exchange" "$work/gost2001-xch"
   gost_sign "$(key_file gost2012-512)" "/C=RU/O=Example/CN=GOST 2012 512 Leaf" \
     "$work/gost2012-512"
@@ -1032,7 +1052,10 @@ main() {
   # The certificate of the README's first command.
   mkdir -p "$data/../../examples/data"
   cp "$data/cert/full-extensions.der" "$data/../../examples/data/example-cert.der"
-  log "$(grep -vc "^#" "$data/MANIFEST") files, $(find "$data" -type f -printf "%s\n" | awk "{s += \$1} END {print s}") bytes under tests/data"
+  local files bytes
+  files=$(grep -vc "^#" "$data/MANIFEST")
+  bytes=$(find "$data" -type f -printf "%s\n" | awk '{s += $1} END {print s}')
+  log "$files files, $bytes bytes under tests/data"
 }
 
 main "$@"

@@ -210,12 +210,12 @@ TEST(GeneratedSet, DuplicatesUnknownTagsSizesAndDerOrder) {
   asn1D_UnformattedPostalAddress(empty.ctxt(), &addr, ASN1EXPL, 0);
   EXPECT_EQ(empty.context().errorParm(), "pvalue->teletex_string");
 
-  // Any order in, tag order out.
-  DecodeHarness dec("31 08 30 03 13 01 42 14 01 41");
+  // Any order in, tag order out: [UNIVERSAL 16] before [UNIVERSAL 20].
+  DecodeHarness dec("31 08 14 01 41 30 03 13 01 42");
   ASN1T_UnformattedPostalAddress both;
   ASSERT_EQ(asn1D_UnformattedPostalAddress(dec.ctxt(), &both, ASN1EXPL, 0), 0);
   EXPECT_TRUE(both.m.printable_addressPresent && both.m.teletex_stringPresent);
-  EXPECT_EQ(encodeHex(asn1E_UnformattedPostalAddress, &both), "31 08 14 01 41 30 03 13 01 42");
+  EXPECT_EQ(encodeHex(asn1E_UnformattedPostalAddress, &both), "31 08 30 03 13 01 42 14 01 41");
 }
 
 TEST(GeneratedPrimitive, EnumeratedRangeAndNamedBits) {

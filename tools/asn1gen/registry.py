@@ -80,7 +80,9 @@ void visitOpenType(const char* set, const SetMember* members, size_t count,
   const SetMember* member = findMember(members, count, key);
   OpenTypeVisit visit = {set, &key, &object, member ? member->carriedType : nullptr, depth};
   visitor.visit(visit);
-  if (member != nullptr && object.decoded != nullptr) member->walk(object.decoded, visitor, depth + 1);
+  if (member != nullptr && object.decoded != nullptr) {
+    member->walk(object.decoded, visitor, depth + 1);
+  }
 }
 
 // A SET OF open-type values (an attribute's values): the encodings are the list's elements,

@@ -159,7 +159,10 @@ bool writeOutput(const std::string& path, const std::vector<uint8_t>& octets) {
   }
   bool ok = fwrite(octets.data(), 1, octets.size(), f) == octets.size();
   ok = (path.empty() ? fflush(f) : fclose(f)) == 0 && ok;
-  if (!ok) fprintf(stderr, "quillon: write error on %s\n", path.empty() ? "standard output" : path.c_str());
+  if (!ok) {
+    fprintf(stderr, "quillon: write error on %s\n",
+            path.empty() ? "standard output" : path.c_str());
+  }
   return ok;
 }
 
@@ -240,7 +243,9 @@ int commandIdentify(const Options& options) {
   for (size_t i = 0; i < messages.size(); ++i) {
     std::string prefix = messages.size() == 1 ? "" : "block " + std::to_string(i + 1) + ": ";
     std::vector<const TypeEntry*> found = matchingTypes(messages[i]);
-    for (const TypeEntry* type : found) printf("%s%s\n", prefix.c_str(), qualifiedName(*type).c_str());
+    for (const TypeEntry* type : found) {
+      printf("%s%s\n", prefix.c_str(), qualifiedName(*type).c_str());
+    }
     if (found.empty()) {
       fprintf(stderr, "%s: decodes as none of the PKI message types\n",
               messageName(options.files[0], messages, i).c_str());

@@ -191,8 +191,14 @@ def emit_set(w, a):
         w("return mpInstance;")
     w("")
     with w.function("const %s* %s::lookupObject(const ASN1TObjId& key) const" % (base, name)):
+        # The identifiers of a set share their leading arcs and differ in the last ones, so
+        # the count and the last arc rule out most candidates before a full comparison.
         with w.block("for (ASN1UINT i = 0; i < mCount; i++)"):
-            w("if (mObjects[i]->id == key) return mObjects[i];")
+            w("const ASN1OBJID& id = mObjects[i]->id;")
+            w("if (id.numids != key.numids) continue;")
+            w("if (key.numids != 0 && id.subid[key.numids - 1] != key.subid[key.numids - 1]) "
+              "continue;")
+            w("if (id == key) return mObjects[i];")
         w("return 0;")
     w("")
 
