@@ -12,15 +12,21 @@ namespace {
  * the 32-bit buffer fields on both builds. */
 constexpr size_t kMaxRequest = 0x7FFFFFFF;
 
-OSRTSTREAM* inputStream(ASN1CTXT* pctxt, int* stat_p) {
+/* The context's stream when it goes in the direction given; null with the status recorded
+ * otherwise. */
+OSRTSTREAM* streamGoing(ASN1CTXT* pctxt, ASN1USINT direction, int* stat_p) {
   OSRTSTREAM* s = pctxt->pStream;
   if (!s) {
     *stat_p = LOG_RTERR(pctxt, ASN_E_NOTINIT);
-  } else if (!isInput(s)) {
+  } else if (!(s->flags & direction)) {
     *stat_p = LOG_RTERR(pctxt, ASN_E_INVPARAM);
     s = nullptr;
   }
   return s;
+}
+
+OSRTSTREAM* inputStream(ASN1CTXT* pctxt, int* stat_p) {
+  return streamGoing(pctxt, OSRTSTRMF_INPUT, stat_p);
 }
 
 int setupBuffer(ASN1CTXT* pctxt, OSRTSTREAM* s) {
@@ -160,14 +166,7 @@ long readRest(ASN1CTXT* pctxt, OSRTSTREAM* s, ASN1OCTET* dest, size_t count) {
 }
 
 OSRTSTREAM* outputStream(ASN1CTXT* pctxt, int* stat_p) {
-  OSRTSTREAM* s = pctxt->pStream;
-  if (!s) {
-    *stat_p = LOG_RTERR(pctxt, ASN_E_NOTINIT);
-  } else if (!isOutput(s)) {
-    *stat_p = LOG_RTERR(pctxt, ASN_E_INVPARAM);
-    s = nullptr;
-  }
-  return s;
+  return streamGoing(pctxt, OSRTSTRMF_OUTPUT, stat_p);
 }
 
 void stage(ASN1CTXT* pctxt, const ASN1OCTET* data, size_t count) {

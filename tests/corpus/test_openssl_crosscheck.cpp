@@ -1,15 +1,17 @@
 // What we encode, openssl reads: a typed value changed inside a decoded message (a CRL entry's
-// reason code, a certificate's path length, an OCSP revocation reason, each reached through
-// the object sets) is written back into its open type by the encoder, and openssl's own
-// parser of that message kind finds the new value there.
+// reason code, a certificate's path length, an OCSP revocation reason, a time stamp's accuracy
+// two open types deep, each reached through the object sets) is written back into its open
+// type by the encoder, and openssl's own parser of that message kind finds the new value there.
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 #include <quillon/modules/CertificateExtensions.h>
+#include <quillon/modules/CryptographicMessageSyntax.h>
 #include <quillon/modules/PKIX1Explicit88.h>
 #include <quillon/modules/PKIXOCSP.h>
+#include <quillon/modules/PKIXTSP.h>
 
 #include <string>
 
@@ -151,6 +153,31 @@ TEST_F(OpensslReadsOurEncoding, ChangedOcspRevocationReason) {
   std::string text = opensslText("ocsp -noverify -resp_text -respin", der);
   EXPECT_NE(text.find("Revocation Reason: cessationOfOperation (0x5)"), std::string::npos) << text;
   EXPECT_EQ(text.find("keyCompromise"), std::string::npos) << text;
+}
+
+// The TSTInfo is the encapsulated content of the SignedData that is the token's content: the
+// encoder must re-encode both open types around the changed value.
+TEST_F(OpensslReadsOurEncoding, ChangedTimeStampAccuracy) {
+  quillon_tool::MessageCodec codec(corpus::typeOf("PKIXTSP.TimeStampResp"));
+  ASSERT_NO_FATAL_FAILURE(decode(codec, "tsp/reply-certs-accuracy-nonce.der"));
+  auto* response = static_cast<ASN1T_TimeStampResp*>(codec.value());
+  ASSERT_TRUE(response->m.timeStampTokenPresent);
+  auto* signedData = static_cast<ASN1T_SignedData*>(response->timeStampToken.content_obj.decoded);
+  ASSERT_NE(signedData, nullptr) << "the token's signed data was not decoded";
+  ASSERT_TRUE(signedData->encapContentInfo.m.eContentPresent);
+  auto* info = static_cast<ASN1T_TSTInfo*>(signedData->encapContentInfo.eContent_obj.decoded);
+  ASSERT_NE(info, nullptr) << "the time-stamp info was not decoded";
+  ASSERT_TRUE(info->m.accuracyPresent);
+  ASSERT_TRUE(info->accuracy.m.millisPresent);
+  ASSERT_EQ(info->accuracy.millis, 500u);  // as the corpus script's TSA configuration says
+  info->accuracy.millis = 250;
+
+  Octets der;
+  ASSERT_GE(codec.encode(der), 0) << codec.errorReport();
+  EXPECT_EQ(der.size(), msg_.size());
+  std::string text = opensslText("ts -reply -text -in", der);
+  EXPECT_NE(text.find("Accuracy: 0x01 seconds, 0xFA millis, 0x64 micros"), std::string::npos)
+      << text;
 }
 
 }  // namespace

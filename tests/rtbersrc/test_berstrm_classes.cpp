@@ -15,16 +15,6 @@
 
 namespace {
 
-template <typename F>
-int thrownStatus(F f) {
-  try {
-    f();
-  } catch (const OSCStreamException& e) {
-    return e.getStatus();
-  }
-  return 0;
-}
-
 // An output stream into memory of its own, and an input stream over what it wrote.
 class MemoryBerOutput : public ASN1BEROutputStream {
  public:

@@ -10,21 +10,6 @@
 
 #include "stream_harness.h"
 
-namespace {
-
-// Runs f and returns the status of the OSCStreamException it throws, 0 when it throws none.
-template <typename F>
-int thrownStatus(F f) {
-  try {
-    f();
-  } catch (const OSCStreamException& e) {
-    return e.getStatus();
-  }
-  return 0;
-}
-
-}  // namespace
-
 TEST(StreamClasses, MemoryStreamsWriteAndRead) {
   OSCMemoryOutputStream out;
   EXPECT_EQ(out.write((const ASN1OCTET*)"0123456789", 10), 0);

@@ -3,6 +3,7 @@
 #ifndef QUILLON_TESTS_STREAM_HARNESS_H
 #define QUILLON_TESTS_STREAM_HARNESS_H
 
+#include <quillon/asn1Stream.h>
 #include <quillon/rtMemHeap.h>
 #include <quillon/rtStream.h>
 
@@ -88,6 +89,17 @@ class TrickleDevice {
   size_t pos_ = 0;
   int calls_ = 0;
 };
+
+// Runs f and returns the status of the OSCStreamException it throws, 0 when it throws none.
+template <typename F>
+int thrownStatus(F f) {
+  try {
+    f();
+  } catch (const OSCStreamException& e) {
+    return e.getStatus();
+  }
+  return 0;
+}
 
 // A directory of its own under TMPDIR (or /tmp), removed with what it holds.
 class TempDir {
