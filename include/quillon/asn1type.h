@@ -303,7 +303,8 @@ typedef struct ASN1ErrInfo {
   char* parms[ASN_K_MAXERRP];
 } ASN1ErrInfo;
 
-/* Room the stream and XML layers keep in the context for their own state. */
+/* Room the stream and XML layers keep in the context for their own state; the last slot holds
+ * the nesting depth of the generated decoders (-22 past a fixed bound). */
 #define ASN_K_CTXTRESERVED 16
 
 typedef struct ASN1CTXT {

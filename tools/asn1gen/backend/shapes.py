@@ -10,7 +10,7 @@ elements and the alias functions that receive a pointer.
 
 from .. import model as M
 from ..naming import underlying
-from ..represent import CHAR_STRING_KINDS, TIME_KINDS, value_range
+from ..represent import value_range
 from ..tags import UNIVERSAL_NUMBERS, Tagger
 
 CPP_KEYWORDS = frozenset("""
@@ -276,7 +276,3 @@ def optional(c):
 def boolean_default(c):
     v = c.default_value if c.default_value is not None else c.default
     return bool(getattr(v, "value", False))
-
-
-def char_kinds():
-    return CHAR_STRING_KINDS + TIME_KINDS
