@@ -77,12 +77,18 @@ void OSExpatXMLReader::beginDocument() {
   mUsed = true;
   mDepth = 0;
   mPending = nullptr;
+  if (mpContentHandler) mpContentHandler->startDocument();
+}
+
+int OSExpatXMLReader::finishDocument() {
+  if (mpContentHandler) mpContentHandler->endDocument();
+  return 0;
 }
 
 int OSExpatXMLReader::parse(const char* buffer, int length) {
   beginDocument();
   if (XML_Parse(mpParser, buffer, length, XML_TRUE) == XML_STATUS_ERROR) throwParseFailure();
-  return 0;
+  return finishDocument();
 }
 
 /* The stream is read into expat's own buffer a piece at a time, so that only the piece being
@@ -97,7 +103,7 @@ int OSExpatXMLReader::parse(OSCInputStream& inputStream) {
     if (XML_ParseBuffer(mpParser, static_cast<int>(count), last) == XML_STATUS_ERROR) {
       throwParseFailure();
     }
-    if (last) return 0;
+    if (last) return finishDocument();
   }
 }
 

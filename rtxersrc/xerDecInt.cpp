@@ -55,8 +55,15 @@ bool fitsIn(Wide wide) {
 }
 
 /* The narrow forms read the full word first and then check the range of their type. */
-template <typename Narrow, typename Wide>
-int narrowTo(int stat, Wide wide, Narrow* pvalue) {
+template <typename Wide, typename Narrow>
+int decodeNarrow(ASN1CTXT* pctxt, Narrow* pvalue) {
+  Wide wide = 0;
+  int stat;
+  if constexpr (std::is_signed_v<Wide>) {
+    stat = decodeSigned(pctxt, wide);
+  } else {
+    stat = decodeUnsigned(pctxt, wide);
+  }
   if (stat != 0) return stat;
   if (!fitsIn<Narrow>(wide)) return ASN_E_TOOBIG;
   *pvalue = static_cast<Narrow>(wide);
@@ -73,13 +80,11 @@ int xerDecInt(ASN1CTXT* pctxt, ASN1INT* pvalue) {
 }
 
 int xerDecInt8(ASN1CTXT* pctxt, ASN1INT8* pvalue) {
-  ASN1INT wide = 0;
-  return XERDEC_TRACE(pctxt, narrowTo(decodeSigned(pctxt, wide), wide, pvalue));
+  return XERDEC_TRACE(pctxt, decodeNarrow<ASN1INT>(pctxt, pvalue));
 }
 
 int xerDecInt16(ASN1CTXT* pctxt, ASN1SINT* pvalue) {
-  ASN1INT wide = 0;
-  return XERDEC_TRACE(pctxt, narrowTo(decodeSigned(pctxt, wide), wide, pvalue));
+  return XERDEC_TRACE(pctxt, decodeNarrow<ASN1INT>(pctxt, pvalue));
 }
 
 int xerDecInt64(ASN1CTXT* pctxt, ASN1INT64* pvalue) {
@@ -93,13 +98,11 @@ int xerDecUInt(ASN1CTXT* pctxt, ASN1UINT* pvalue) {
 }
 
 int xerDecUInt8(ASN1CTXT* pctxt, ASN1UINT8* pvalue) {
-  ASN1UINT wide = 0;
-  return XERDEC_TRACE(pctxt, narrowTo(decodeUnsigned(pctxt, wide), wide, pvalue));
+  return XERDEC_TRACE(pctxt, decodeNarrow<ASN1UINT>(pctxt, pvalue));
 }
 
 int xerDecUInt16(ASN1CTXT* pctxt, ASN1USINT* pvalue) {
-  ASN1UINT wide = 0;
-  return XERDEC_TRACE(pctxt, narrowTo(decodeUnsigned(pctxt, wide), wide, pvalue));
+  return XERDEC_TRACE(pctxt, decodeNarrow<ASN1UINT>(pctxt, pvalue));
 }
 
 int xerDecUInt64(ASN1CTXT* pctxt, ASN1UINT64* pvalue) {

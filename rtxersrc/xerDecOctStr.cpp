@@ -19,6 +19,7 @@ long countHexDigits(Text t, bool skipWs) { return HexDigits(t, skipWs).countRest
  * the low half of the first octet. -14 when t holds fewer digits or another character. */
 int readHexDigits(Text t, bool skipWs, size_t count, ASN1OCTET* out) {
   HexDigits digits(t, skipWs);
+  if (count % 2) out[0] = 0;
   for (size_t i = 0, pos = count % 2; i < count; ++i, ++pos) {
     const int v = digits.next();
     if (v == -1) return ASN_E_INVHEXSTR;

@@ -10,9 +10,6 @@ namespace {
 /* Dotted text of the longest identifier: 128 arcs of up to 20 digits, the dots and the NUL. */
 constexpr size_t kOidText = ASN_K_MAXSUBIDS * 21;
 
-/* Decimal text of a 32-bit arc with its sign and the NUL. */
-constexpr size_t kArcText = 12;
-
 /* The value rules of an identifier: two arcs at least, a first arc of 0, 1 or 2, and under
  * 0 and 1 a second arc below 40. */
 template <typename Oid>
@@ -33,16 +30,16 @@ int writeObjId(ASN1CTXT* pctxt, const Oid* pvalue, const char* elemName, ToText 
                       [&](TextStage& s) { s.put(text, static_cast<size_t>(len)); });
 }
 
-/* Arcs of a relative identifier are printed as signed numbers, as its readers have always
- * received them. */
-void putSignedArcs(TextStage& s, const ASN1OBJID* pvalue) {
-  char arc[kArcText];
-  for (ASN1UINT k = 0; k < pvalue->numids; ++k) {
-    if (k > 0) s.put('.');
-    const int len = rtIntToString(s.ctxt(), static_cast<ASN1INT>(pvalue->subid[k]), arc,
-                                  sizeof arc);
-    if (len > 0) s.put(arc, static_cast<size_t>(len));
-  }
+/* A relative identifier may have no arcs at all: its content is then empty. */
+int writeRelativeOID(ASN1CTXT* pctxt, const ASN1OBJID* pvalue, const char* elemName) {
+  if (!pvalue) return ASN_E_INVPARAM;
+  if (pvalue->numids > ASN_K_MAXSUBIDS) return ASN_E_INVOBJID;
+  char text[kOidText];
+  int len = 0;
+  if (pvalue->numids > 0) len = rtOidToStr(pctxt, pvalue, text, sizeof text);
+  if (len < 0) return len;
+  return writeElement(pctxt, nameOr(elemName, "RELATIVE_OID"), nullptr,
+                      [&](TextStage& s) { s.put(text, static_cast<size_t>(len)); });
 }
 
 }  // namespace
@@ -58,11 +55,7 @@ int xerEncObjId64(ASN1CTXT* pctxt, const ASN1OID64* pvalue, const char* elemName
 }
 
 int xerEncRelativeOID(ASN1CTXT* pctxt, const ASN1OBJID* pvalue, const char* elemName) {
-  if (!pvalue) return LOG_RTERR(pctxt, ASN_E_INVPARAM);
-  if (pvalue->numids > ASN_K_MAXSUBIDS) return LOG_RTERR(pctxt, ASN_E_INVOBJID);
-  int stat = writeElement(pctxt, nameOr(elemName, "RELATIVE_OID"), nullptr,
-                          [pvalue](TextStage& s) { putSignedArcs(s, pvalue); });
-  return XER_TRACE(pctxt, stat);
+  return XER_TRACE(pctxt, writeRelativeOID(pctxt, pvalue, elemName));
 }
 
 QN_END_C

@@ -128,7 +128,8 @@ class QN_API OSRTSAXExceptionImpl : public OSRTSAXException {
 
 /* ---- Handler interfaces ----------------------------------------------------------------- */
 
-/* Receives the events of a document. The namespace URI is always empty; the local and the
+/* Receives the events of a document: startDocument before the first element, endDocument
+ * after the last one of a document that parsed without failure. The namespace URI is always empty; the local and the
  * qualified name are both the element name as written, prefix included. attrs is a
  * null-terminated array of alternating names and values. Character data points into the
  * parser's buffer, valid only during the call, and a run of text may come in several calls. */
@@ -222,8 +223,11 @@ class QN_API OSExpatXMLReader : public OSXMLReader {
  private:
   /* Registers the reader and its callbacks with the parser. */
   void attachCallbacks();
-  /* Makes the parser ready for a document: a fresh one after the first, callbacks attached. */
+  /* Makes the parser ready for a document (a fresh one after the first, callbacks attached)
+   * and tells the content handler that a document starts. */
   void beginDocument();
+  /* Tells the content handler that the document ended well; 0. */
+  int finishDocument();
   /* Rethrows what a callback caught, or throws the parser's own error. */
   [[noreturn]] void throwParseFailure();
   /* Records -22 (in the context and the error information, when there are such) and throws. */

@@ -138,7 +138,7 @@ QN_API int xmlEncBitStr(ASN1CTXT* pctxt, ASN1UINT numbits, const ASN1OCTET* data
  * "OBJECT_IDENTIFIER". */
 QN_API int xerEncObjId(ASN1CTXT* pctxt, const ASN1OBJID* pvalue, const char* elemName);
 QN_API int xerEncObjId64(ASN1CTXT* pctxt, const ASN1OID64* pvalue, const char* elemName);
-/* Arcs as signed decimals joined by "." without any check of their values; no arcs give empty
+/* Arcs in decimal joined by "." without any check of their values; no arcs give empty
  * content, more than 128 -4. Default name "RELATIVE_OID". */
 QN_API int xerEncRelativeOID(ASN1CTXT* pctxt, const ASN1OBJID* pvalue, const char* elemName);
 /* The text escaped (xerPutCharStr); null text is empty. No default name: -30 for a null one. */

@@ -188,6 +188,12 @@ TEST(GeneratedChoice, UnknownTagsAndFailedAlternatives) {
     encodeHex(asn1E_GeneralName, &name, &stat);
     EXPECT_EQ(stat, ASN_E_INVOPT) << "t = " << t;
   }
+  // An alternative held through a pointer that was never set is refused, not followed.
+  name.t = ASN1T_GeneralName::T_directoryName;
+  name.u.directoryName = nullptr;
+  int stat;
+  encodeHex(asn1E_GeneralName, &name, &stat);
+  EXPECT_EQ(stat, ASN_E_BADVALUE);
 }
 
 TEST(GeneratedSet, DuplicatesUnknownTagsSizesAndDerOrder) {

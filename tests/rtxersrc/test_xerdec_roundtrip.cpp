@@ -152,7 +152,9 @@ TEST(XerRoundTrip, OctetStringsInHexAndBase64FromMemoryAndStreams) {
       EXPECT_EQ(0, xerDecDynBase64Str(rt.ctxt(), &dyn));
       EXPECT_EQ(value, Octets(dyn.data, dyn.data + dyn.numocts)) << "base64, " << n << " octets";
     }
-    if (n > 3000) EXPECT_GT(rt.collected().pieces(), 1) << "long text arrives in pieces";
+    if (n > 3000) {
+      EXPECT_GT(rt.collected().pieces(), 1) << "long text arrives in pieces";
+    }
   }
 }
 

@@ -184,9 +184,8 @@ TEST(XerSaxHandler, FinalizeMemBufTerminatesWithoutMovingTheText) {
   rtMemBufFree(&mb);
 
   // A buffer that cannot take a memory buffer turns its refusal into RTLError.
-  ASN1BEREncodeBuffer ber;
   ASN1MemBuf other;
-  rtMemBufInit(ber.getCtxtPtr(), &other, 0);
+  rtMemBufInit(c, &other, 0);
   class NoMemBuf : public ASN1XERDecodeBuffer {
    public:
     NoMemBuf() : ASN1XERDecodeBuffer(reinterpret_cast<const ASN1OCTET*>(""), 0) {}

@@ -22,9 +22,10 @@ MessageCodec::MessageCodec(const TypeEntry& type) : type_(type), ctxt_() {
 MessageCodec::~MessageCodec() { rtFreeContext(&ctxt_); }
 
 int MessageCodec::decode(const uint8_t* data, size_t length) {
-  if (length > INT_MAX) {
-    return rtErrSetData(&ctxt_.errInfo, ASN_E_TOOBIG, kModule, __LINE__);
-  }
+  // The decoder takes a length below 1 for a stream of unknown size, so an empty message
+  // must not reach it.
+  if (length == 0) return rtErrSetData(&ctxt_.errInfo, ASN_E_ENDOFBUF, kModule, __LINE__);
+  if (length > INT_MAX) return rtErrSetData(&ctxt_.errInfo, ASN_E_TOOBIG, kModule, __LINE__);
   int stat = xd_setp(&ctxt_, data, static_cast<int>(length), nullptr, nullptr);
   if (stat < 0) return stat;
   // The value comes zeroed from the context's heap, as the information objects make theirs,

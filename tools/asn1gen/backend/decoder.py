@@ -249,36 +249,53 @@ def emit_sequence(w, a, comps):
     close_contents(w)
 
 
+def emit_tag_switch(w, members, emit_member, emit_unknown):
+    """A switch on the next element's tag with a case for each tag a member can start with;
+    a member that can start with any tag (an open type) takes the default branch, which is
+    otherwise emit_unknown's. `members` are (payload, component or alternative)."""
+    w("ASN1TagType tag = xd_peekTag(pctxt);")
+    fallback = None
+    with w.block("switch (tag)"):
+        for payload, member in members:
+            use = S.Use(member.type)
+            tags = use.first_tags()
+            if tags is None:
+                fallback = (payload, member, use)
+                continue
+            for t in tags:
+                w("case %s:" % tag_word(t))
+            with w.indented():
+                emit_member(payload, member, use)
+        w("default:")
+        with w.indented():
+            if fallback is not None:
+                emit_member(*fallback)
+            else:
+                emit_unknown()
+
+
+def emit_unknown_tag(w, status):
+    w("if (tag == %s) %s" % (NO_TAG, w.fail("ASN_E_ENDOFBUF")))
+    w("xu_addTagErrParm(pctxt, tag);")
+    w(w.fail(status))
+
+
 def emit_set(w, a, comps):
     open_contents(w)
     w("ASN1OCTET seen[%d] = { 0 };" % ((len(comps) + 7) // 8))
     init_structure(w, comps)
+
+    def unknown():
+        if a.type.extensible:
+            w("stat = xd_NextElement(pctxt);")
+            w.check("stat")
+            w("break;")
+        else:
+            emit_unknown_tag(w, "ASN_E_NOTINSET")
+
     with w.block("while (!xd_endOfContents(pctxt, &ccb))"):
-        w("ASN1TagType tag = xd_peekTag(pctxt);")
-        with w.block("switch (tag)"):
-            fallback = None
-            for i, c in enumerate(comps):
-                use = S.Use(c.type)
-                tags = use.first_tags()
-                if tags is None:
-                    fallback = (i, c, use)
-                    continue
-                for t in tags:
-                    w("case %s:" % tag_word(t))
-                with w.indented():
-                    emit_set_member(w, i, c, use)
-            w("default:")
-            with w.indented():
-                if fallback is not None:
-                    emit_set_member(w, *fallback)
-                elif a.type.extensible:
-                    w("stat = xd_NextElement(pctxt);")
-                    w.check("stat")
-                    w("break;")
-                else:
-                    w("if (tag == %s) %s" % (NO_TAG, w.fail("ASN_E_ENDOFBUF")))
-                    w("xu_addTagErrParm(pctxt, tag);")
-                    w(w.fail("ASN_E_NOTINSET"))
+        emit_tag_switch(w, list(enumerate(comps)),
+                        lambda i, c, use: emit_set_member(w, i, c, use), unknown)
     for i, c in enumerate(comps):
         if not S.optional(c):
             w("if (!(seen[%d] & 0x%02x)) %s" % (i // 8, 1 << (i % 8), w.fail("ASN_E_SETMISRQ")))
@@ -297,27 +314,9 @@ def emit_set_member(w, i, c, use):
 
 
 def emit_choice(w, a):
-    w("ASN1TagType tag = xd_peekTag(pctxt);")
-    fallback = None
-    with w.block("switch (tag)"):
-        for number, alt in enumerate(S.alternatives(a.type), 1):
-            use = S.Use(alt.type)
-            tags = use.first_tags()
-            if tags is None:
-                fallback = (number, alt, use)
-                continue
-            for t in tags:
-                w("case %s:" % tag_word(t))
-            with w.indented():
-                emit_alternative(w, number, alt, use)
-        w("default:")
-        with w.indented():
-            if fallback is not None:
-                emit_alternative(w, *fallback)
-            else:
-                w("if (tag == %s) %s" % (NO_TAG, w.fail("ASN_E_ENDOFBUF")))
-                w("xu_addTagErrParm(pctxt, tag);")
-                w(w.fail("ASN_E_INVOPT"))
+    emit_tag_switch(w, list(enumerate(S.alternatives(a.type), 1)),
+                    lambda number, alt, use: emit_alternative(w, number, alt, use),
+                    lambda: emit_unknown_tag(w, "ASN_E_INVOPT"))
 
 
 def emit_alternative(w, number, alt, use):

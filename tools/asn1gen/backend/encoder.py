@@ -181,9 +181,12 @@ def emit_choice(w, a):
     with w.block("switch (pvalue->t)"):
         for number, alt in enumerate(S.alternatives(a.type), 1):
             name = S.c_name(alt.name)
-            p = "pvalue->u.%s" % name if S.held_by_pointer(alt.type) else "&pvalue->u.%s" % name
+            pointer = S.held_by_pointer(alt.type)
+            p = "pvalue->u.%s" % name if pointer else "&pvalue->u.%s" % name
             w("case %d:  /* %s */" % (number, alt.name))
             with w.indented():
+                if pointer:
+                    w("if (%s == 0) %s" % (p, w.fail("ASN_E_BADVALUE")))
                 emit_use(w, S.Use(alt.type), p, "pvalue->u." + name)
                 w("break;")
         w("default:")
