@@ -125,6 +125,18 @@ int onHeap(ASN1CTXT* pctxt, ASN1UINT headerOctets, int length, bool borrow,
   return 0;
 }
 
+/* A large primitive element: its header (in the read buffer) is taken off, so that its
+ * contents start the heap copy and a value made of them starts a heap element of its own.
+ * The decoder then reads the contents implicitly, the header being checked already. */
+int contentsOnHeap(ASN1CTXT* pctxt, const qn::bstrm::Header& h, bool borrow,
+                   qn::bstrm::Element* e) {
+  qn::bstrm::consumeBuffered(pctxt, h.octets);
+  qn::xd::setConstructedFlag(pctxt, false);
+  e->tagging = ASN1IMPL;
+  e->length = h.len;
+  return onHeap(pctxt, 0, h.len, borrow, e);
+}
+
 }  // namespace
 
 namespace qn::bstrm {
@@ -179,6 +191,8 @@ int peekHeader(ASN1CTXT* pctxt, Header* h) {
 
 int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, bool borrow,
                 Element* e) {
+  e->tagging = tagging;
+  e->length = length;
   ASN1UINT headerOctets = 0;
   if (tagging) {
     Header h = {0, 0, 0};
@@ -191,6 +205,8 @@ int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, 
     }
     headerOctets = h.octets;
     length = h.len;
+    if (!(h.tag & TM_CONS) && (ASN1UINT)length > pctxt->pStream->bufsize - headerOctets)
+      return contentsOnHeap(pctxt, h, borrow, e);
   } else {
     long avail = ensureBuffered(pctxt, 0);
     if (avail < 0) return (int)avail;

@@ -7,17 +7,15 @@ QN_BEGIN_C
 
 int berDecStrmOctStr(ASN1CTXT* pctxt, ASN1OCTET* object_p, ASN1UINT* numocts_p, int tagging,
                      int length) {
-  return traced(pctxt, decodeElement(pctxt, tagging, length, ASN_ID_OCTSTR, [&]() {
-                  return xd_octstr_s(pctxt, object_p, numocts_p, tagging, length);
-                }));
+  auto decode = [&](int t, int len) { return xd_octstr_s(pctxt, object_p, numocts_p, t, len); };
+  return traced(pctxt, decodeElement(pctxt, tagging, length, ASN_ID_OCTSTR, decode));
 }
 
 int berDecStrmDynOctStr(ASN1CTXT* pctxt, const ASN1OCTET** object_p2, ASN1UINT* numocts_p,
                         int tagging, int length) {
-  return traced(pctxt,
-                decodeBorrowing(pctxt, tagging, length, ASN_ID_OCTSTR, object_p2, [&]() {
-                  return xd_octstr(pctxt, object_p2, numocts_p, tagging, length);
-                }));
+  auto decode = [&](int t, int len) { return xd_octstr(pctxt, object_p2, numocts_p, t, len); };
+  return traced(pctxt, decodeBorrowing(pctxt, tagging, length, ASN_ID_OCTSTR, true, object_p2,
+                                       decode));
 }
 
 QN_END_C

@@ -122,9 +122,9 @@ int berDecStrmChkEnd(ASN1CTXT* pctxt, ASN1StrmCCB* ccb_p) {
 int berDecStrmNextElement(ASN1CTXT* pctxt) { return traced(pctxt, skipElement(pctxt)); }
 
 int berDecStrmOpenType(ASN1CTXT* pctxt, const ASN1OCTET** object_p2, ASN1UINT* numocts_p) {
-  return traced(pctxt, decodeBorrowing(pctxt, ASN1EXPL, 0, ASN_K_NOTAG, object_p2, [&]() {
-                  return xd_OpenType(pctxt, object_p2, numocts_p);
-                }));
+  auto decode = [&](int, int) { return xd_OpenType(pctxt, object_p2, numocts_p); };
+  return traced(pctxt, decodeBorrowing(pctxt, ASN1EXPL, 0, ASN_K_NOTAG, true, object_p2,
+                                       decode));
 }
 
 QN_END_C

@@ -171,6 +171,10 @@ struct Element {
   ASN1USINT savedFlags;
   ASN1OCTET* area; /* heap copy of a large element; null when decoded in the read buffer */
   ASN1UINT extent;
+  /* The tagging and length the decoder is to read it with: the caller's, or implicit over
+   * the contents alone when a large primitive element's header was taken off first. */
+  int tagging;
+  int length;
 };
 
 /* Decoders see an element as a complete buffer of known size, and copy what they keep. */
@@ -201,6 +205,8 @@ inline void windowInReadBuffer(ASN1CTXT* pctxt, ASN1UINT extent, Element* e) {
  * leaves everything to openElement. */
 inline bool openBufferedElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected,
                                 Element* e) {
+  e->tagging = tagging;
+  e->length = length;
   const OSRTSTREAM* s = pctxt->pStream;
   const ASN1USINT bufferedInput = OSRTSTRMF_BUFFERED | OSRTSTRMF_INPUT;
   if (!s || (s->flags & bufferedInput) != bufferedInput) return false;
@@ -224,8 +230,9 @@ inline bool openBufferedElement(ASN1CTXT* pctxt, int tagging, int length, ASN1Ta
 /* Makes the next element available to a buffer decoder: with tagging its header and
  * contents, else the contents of length octets (the caller's header read). expected is the
  * universal tag the decoder will check (ASN_K_NOTAG: any): a mismatch is -3 with the buffer
- * decoder's parameters, nothing read. borrow lets a value point into a heap copy. Records its
- * failures. */
+ * decoder's parameters, nothing read. borrow lets the value point into a heap copy, where the
+ * decoder gives the copy's first octet as the value's (so that it can be freed on its own), or
+ * where the caller asked for fast copy. Records its failures. */
 int openElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected, bool borrow,
                 Element* e);
 
@@ -249,14 +256,14 @@ inline int openAnyElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType 
   return openElement(pctxt, tagging, length, expected, borrow, e);
 }
 
-/* Runs a buffer decoder (decode() gives its status) over the next element. */
+/* Runs a buffer decoder over the next element: decode(tagging, length) gives its status. */
 template <typename Decode>
 int decodeElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected,
                   Decode decode) {
   Element e;
   int stat = openAnyElement(pctxt, tagging, length, expected, false, &e);
   if (stat < 0) return stat;
-  return closeElement(pctxt, &e, decode(), nullptr);
+  return closeElement(pctxt, &e, decode(e.tagging, e.length), nullptr);
 }
 
 /* A value decoded by a buffer decoder of the common shape (ctxt, value, tagging, length),
@@ -264,20 +271,21 @@ int decodeElement(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected
 template <typename T>
 static inline int decodeValue(ASN1CTXT* pctxt, T* object_p, int tagging, int length,
                               ASN1TagType tag, int (*decode)(ASN1CTXT*, T*, int, int)) {
-  return traced(pctxt, decodeElement(pctxt, tagging, length, tag, [&]() {
-                  return decode(pctxt, object_p, tagging, length);
+  return traced(pctxt, decodeElement(pctxt, tagging, length, tag, [&](int t, int len) {
+                  return decode(pctxt, object_p, t, len);
                 }));
 }
 
 /* The same for a decoder whose result (*result_p2) may point into a heap copy of a large
- * element, which then becomes the value's memory instead of being copied once more. */
+ * element (see openElement), which then becomes the value's memory instead of being copied
+ * once more. */
 template <typename Decode>
 int decodeBorrowing(ASN1CTXT* pctxt, int tagging, int length, ASN1TagType expected,
-                    const ASN1OCTET* const* result_p2, Decode decode) {
+                    bool borrow, const ASN1OCTET* const* result_p2, Decode decode) {
   Element e;
-  int stat = openAnyElement(pctxt, tagging, length, expected, true, &e);
+  int stat = openAnyElement(pctxt, tagging, length, expected, borrow, &e);
   if (stat < 0) return stat;
-  stat = decode();
+  stat = decode(e.tagging, e.length);
   return closeElement(pctxt, &e, stat, stat < 0 ? nullptr : *result_p2);
 }
 

@@ -10,14 +10,18 @@
  * buffering stages small writes and passes them on in blocks.
  *
  * Decoders read what the buffer decoders of asn1berdec.h read and give the same values and
- * statuses: each makes the next element available in memory and runs the buffer decoder over
- * it. An element that fits the stream's read buffer is decoded in place there, and left unread
- * when it fails to decode; a larger one is read into the context's heap first (an octet or bit
- * string straight into the memory of its value). Their tagging argument is that of the buffer
- * decoders: ASN1IMPL means the caller has read the identifier and the length (berDecStrmTag,
- * berDecStrmTagAndLen, berDecStrmMatchTag, which set ASN1CONSTAG from the identifier) and passes
- * the contents length, ASN_K_INDEFLEN for an indefinite one. Fast copy does not apply: a stream
- * keeps no message to point into. An input stream without buffering gets it on first use.
+ * statuses for a complete encoding (one cut short ends with -2, the end of the stream): each
+ * makes the next element available in memory and runs the buffer decoder over it. An element
+ * that fits the stream's read buffer is decoded in place there, and left unread when it fails
+ * to decode; a larger one is read into the context's heap first (the contents of a primitive
+ * OCTET STRING straight into the memory of its value), and is gone from the stream whatever
+ * the outcome, unless its identifier was the wrong one. Their tagging argument is that of the buffer decoders: ASN1IMPL means
+ * the caller has read the identifier and the length (berDecStrmTag, berDecStrmTagAndLen,
+ * berDecStrmMatchTag, which set ASN1CONSTAG from the identifier) and passes the contents
+ * length, ASN_K_INDEFLEN for an indefinite one. With fast copy, strings and open types of a
+ * large element point into its heap copy rather than into copies of their own; values from
+ * the read buffer are always copied, since it is reused. An input stream without buffering
+ * gets it on first use.
  *
  * Every function checks its stream: -32 without one, -30 when it goes the other way.
  */

@@ -581,6 +581,7 @@ TEST(BerStrmDecode, LargeValuesComeThroughTheHeapTheSameWay) {
     EncodeHarness h;
     StreamBytes octets(n);
     for (size_t i = 0; i < n; ++i) octets[i] = (unsigned char)(i * 31);
+    ASSERT_GT(xe_bitstr(h.ctxt(), octets.data(), (ASN1UINT)n * 8, ASN1EXPL), 0);
     ASSERT_GT(xe_octstr(h.ctxt(), octets.data(), (ASN1UINT)n, ASN1EXPL), 0);
     ASSERT_GT(xe_charstr(h.ctxt(), std::string(n, 'z').c_str(), ASN1EXPL, ASN_ID_IA5String), 0);
     const Bytes enc = h.written();
@@ -597,7 +598,19 @@ TEST(BerStrmDecode, LargeValuesComeThroughTheHeapTheSameWay) {
       ASSERT_EQ(berDecStrmDynOctStr(ctx.get(), &data, &numocts, ASN1EXPL, 0), 0);
       ASSERT_EQ(numocts, n);
       EXPECT_EQ(memcmp(data, octets.data(), n), 0);
+      const ASN1OCTET* bits = nullptr;
+      ASN1UINT numbits = 0;
+      ASSERT_EQ(berDecStrmDynBitStr(ctx.get(), &bits, &numbits, ASN1EXPL, 0), 0);
+      ASSERT_EQ(numbits, n * 8);
+      EXPECT_EQ(memcmp(bits, octets.data(), n), 0);
       EXPECT_EQ(rtStreamBufGetPos(ctx.get()), (long)enc.size());
+      if (!fastCopy) {
+        // Values a caller may free one by one must each be a heap element of their own.
+        EXPECT_EQ(rtMemHeapCheckPtr(&ctx.get()->memHeap, data), 1) << n;
+        EXPECT_EQ(rtMemHeapCheckPtr(&ctx.get()->memHeap, bits), 1) << n;
+        rtMemHeapFreePtr(&ctx.get()->memHeap, const_cast<ASN1OCTET*>(data));
+        rtMemHeapFreePtr(&ctx.get()->memHeap, const_cast<ASN1OCTET*>(bits));
+      }
       EXPECT_EQ(ctx.get()->flags & ASN1FASTCOPY, fastCopy ? ASN1FASTCOPY : 0)
           << "the caller's flag is left as it was";
     }

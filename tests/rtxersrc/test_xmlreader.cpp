@@ -229,15 +229,18 @@ TEST(XmlReader, ErrorStringFitsTheCallersBuffer) {
   char buf[256];
   EXPECT_EQ(full, EXML_ErrorString(p, code, buf, sizeof buf));
   EXPECT_EQ(base, EXML_ErrorString(p, code, nullptr, 0));
-  EXPECT_EQ(XML_ErrorString(static_cast<XML_Error>(code)), EXML_ErrorString(p, code, nullptr, 10));
+  EXPECT_EQ(base, EXML_ErrorString(p, code, nullptr, 10));
 
   // Cut to size - 1 characters, always terminated; only a text far too long is returned as is.
   const int size = (int)base.size() + 4;
   std::vector<char> small(size + 1, '#');
   EXPECT_EQ(full.substr(0, size - 1), EXML_ErrorString(p, code, small.data(), size));
   EXPECT_EQ('#', small[size]);
+  // Compared by text: the i386 build links its own copy of expat beside the library's.
   char tiny[4];
-  EXPECT_EQ(XML_ErrorString(static_cast<XML_Error>(code)), EXML_ErrorString(p, code, tiny, sizeof tiny));
+  const char* unchanged = EXML_ErrorString(p, code, tiny, sizeof tiny);
+  EXPECT_NE(tiny, unchanged);
+  EXPECT_EQ(base, unchanged);
   XML_ParserFree(p);
 }
 

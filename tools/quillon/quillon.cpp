@@ -130,15 +130,16 @@ class OpenTypeTally : public OpenTypeVisitor {
   std::set<std::string> opaque;
 };
 
+// "  open-type values: N, M typed" and the identifiers of those left as octets.
 std::string describeOpenTypes(const TypeEntry& type, const void* value) {
   OpenTypeTally tally;
   type.walk(value, tally, 0);
-  if (tally.total == 0) return "no open-type values";
-  std::string text = std::to_string(tally.total) + " open-type values, " +
-                     std::to_string(tally.typed) + " typed";
+  std::string text = "  open-type values: " + std::to_string(tally.total) + ", " +
+                     std::to_string(tally.typed) + " typed\n";
   if (!tally.opaque.empty()) {
-    text += "; kept as octets (object identifier not in the object set):";
+    text += "  left as octets (identifier not in its object set):";
     for (const std::string& oid : tally.opaque) text += " " + oid;
+    text += "\n";
   }
   return text;
 }
@@ -190,10 +191,13 @@ int decodeOne(const TypeEntry& type, const std::string& name, const InputMessage
             qualifiedName(type).c_str(), codec.errorReport().c_str());
     return kNotDecoded;
   }
-  fprintf(stderr, "%s: %s, %zu octets; %s; %s\n", name.c_str(), qualifiedName(type).c_str(),
-          message.octets.size(), describeOpenTypes(type, codec.value()).c_str(),
-          encoding == message.octets ? "re-encodes to the same octets"
-                                     : "re-encodes to different octets (the DER form)");
+  std::string reencoding = encoding == message.octets
+                               ? std::string("re-encodes to the same octets")
+                               : "re-encodes to " + std::to_string(encoding.size()) +
+                                     " other octets (its DER form)";
+  fprintf(stderr, "%s: %s, %zu octets, %s\n%s", name.c_str(), qualifiedName(type).c_str(),
+          message.octets.size(), reencoding.c_str(),
+          describeOpenTypes(type, codec.value()).c_str());
   der.insert(der.end(), encoding.begin(), encoding.end());
   return kOk;
 }
