@@ -120,7 +120,7 @@ class RevokedListHandler : public ASN1XERSAXDecodeHandler {
       case kNote:
         stat = xerDecDynAscCharStr(c, &note);
         if (stat == 0) e.note = note;
-        rtMemHeapFreePtr(&c->memHeap, note);
+        ASN1MEMFREEPTR(c, note);
         break;
     }
     if (stat != 0) throwSAXException(stat, nullptr, 0);

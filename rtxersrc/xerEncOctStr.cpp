@@ -76,44 +76,46 @@ int writeBitStr(ASN1CTXT* pctxt, ASN1UINT numbits, const ASN1OCTET* data, const 
   });
 }
 
+/* An octet string element with content made by put; no octets give the empty element. */
+template <typename Put>
+int writeOctStr(ASN1CTXT* pctxt, ASN1UINT numocts, const ASN1OCTET* data, const char* elemName,
+                Put put) {
+  if (numocts && !data) return ASN_E_INVPARAM;
+  const char* name = nameOr(elemName, "OCTET_STRING");
+  if (numocts == 0) return writeEmpty(pctxt, name, nullptr);
+  return writeElement(pctxt, name, nullptr, [=](TextStage& s) { put(s, data, numocts); });
+}
+
+/* Content without tags: count octets or bits made into text by put. */
+template <typename Put>
+int writeContent(ASN1CTXT* pctxt, ASN1UINT count, const ASN1OCTET* data, Put put) {
+  if (count && !data) return ASN_E_INVPARAM;
+  TextStage s(pctxt);
+  setState(pctxt, XERDATA);
+  put(s, data, count);
+  return s.finish();
+}
+
 }  // namespace
 
 QN_BEGIN_C
 
 int xerEncHexStrValue(ASN1CTXT* pctxt, ASN1UINT numocts, const ASN1OCTET* data) {
-  if (numocts && !data) return LOG_RTERR(pctxt, ASN_E_INVPARAM);
-  TextStage s(pctxt);
-  setState(pctxt, XERDATA);
-  putHex(s, data, numocts);
-  return XER_TRACE(pctxt, s.finish());
+  return XER_TRACE(pctxt, writeContent(pctxt, numocts, data, putHex));
 }
 
 int xerEncBinStrValue(ASN1CTXT* pctxt, ASN1UINT numbits, const ASN1OCTET* data) {
-  if (numbits && !data) return LOG_RTERR(pctxt, ASN_E_INVPARAM);
-  TextStage s(pctxt);
-  setState(pctxt, XERDATA);
-  putBinary(s, data, numbits);
-  return XER_TRACE(pctxt, s.finish());
+  return XER_TRACE(pctxt, writeContent(pctxt, numbits, data, putBinary));
 }
 
 int xerEncOctStr(ASN1CTXT* pctxt, ASN1UINT numocts, const ASN1OCTET* data,
                  const char* elemName) {
-  if (numocts && !data) return LOG_RTERR(pctxt, ASN_E_INVPARAM);
-  const char* name = nameOr(elemName, "OCTET_STRING");
-  if (numocts == 0) return XER_TRACE(pctxt, writeEmpty(pctxt, name, nullptr));
-  int stat =
-      writeElement(pctxt, name, nullptr, [=](TextStage& s) { putHex(s, data, numocts); });
-  return XER_TRACE(pctxt, stat);
+  return XER_TRACE(pctxt, writeOctStr(pctxt, numocts, data, elemName, putHex));
 }
 
 int xerEncBase64Str(ASN1CTXT* pctxt, ASN1UINT numocts, const ASN1OCTET* data,
                     const char* elemName) {
-  if (numocts && !data) return LOG_RTERR(pctxt, ASN_E_INVPARAM);
-  const char* name = nameOr(elemName, "OCTET_STRING");
-  if (numocts == 0) return XER_TRACE(pctxt, writeEmpty(pctxt, name, nullptr));
-  int stat =
-      writeElement(pctxt, name, nullptr, [=](TextStage& s) { putBase64(s, data, numocts); });
-  return XER_TRACE(pctxt, stat);
+  return XER_TRACE(pctxt, writeOctStr(pctxt, numocts, data, elemName, putBase64));
 }
 
 int xerEncBitStr(ASN1CTXT* pctxt, ASN1UINT numbits, const ASN1OCTET* data,

@@ -217,7 +217,8 @@ TEST(XerSaxException, CopiesOwnTheirTexts) {
   OSRTSAXExceptionImpl assigned;
   EXPECT_EQ(nullptr, assigned.getMessage());
   assigned = original;
-  assigned = assigned;
+  const OSRTSAXExceptionImpl& self = assigned;
+  assigned = self;
   EXPECT_STREQ("src.cpp", assigned.getSrcFileName());
   EXPECT_EQ(-36, assigned.getStatus());
 
