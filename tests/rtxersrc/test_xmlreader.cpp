@@ -21,7 +21,8 @@
 #endif
 #endif
 #ifdef QN_TEST_ASAN
-#include <sanitizer/allocator_interface.h>
+// The sanitizer runtime's count of live heap bytes (its header is not installed everywhere).
+extern "C" size_t __sanitizer_get_current_allocated_bytes(void);
 #else
 #include <malloc.h>
 #endif
