@@ -96,7 +96,7 @@ int primitiveContents(ASN1CTXT* pctxt, int length, bool borrow, ASN1UINT pad,
 int constructedContents(ASN1CTXT* pctxt, int length, ASN1UINT pad, const ASN1OCTET** data_p,
                         ASN1UINT* numocts_p, bool* copied_p) {
   int span = length;
-  int size;
+  int size = 0;
   int stat = xd_consStrIndefLenAndSize(pctxt, ASN_ID_OCTSTR, &span, &size);
   if (stat < 0) return LOG_RTERR(pctxt, stat);
   ASN1OCTET* mem = nullptr;
