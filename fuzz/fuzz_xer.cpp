@@ -169,9 +169,11 @@ class FuzzHandler : public ASN1XERSAXDecodeHandler {
 };
 
 void parseDocument(const uint8_t* data, size_t size, Decoder decode, bool viaStream) {
-  std::vector<ASN1OCTET> copy(data, data + size);
-  OSCMemoryInputStream in(copy.data(), static_cast<ASN1UINT>(copy.size()));
-  ASN1XERDecodeBuffer memory(copy.data(), static_cast<ASN1UINT>(copy.size()));
+  // One byte more than the document, so that even an empty one has memory to attach.
+  std::vector<ASN1OCTET> copy(size + 1);
+  memcpy(copy.data(), data, size);
+  OSCMemoryInputStream in(copy.data(), static_cast<ASN1UINT>(size));
+  ASN1XERDecodeBuffer memory(copy.data(), static_cast<ASN1UINT>(size));
   ASN1XERDecodeBuffer stream(in);
   ASN1XERDecodeBuffer& buf = viaStream ? stream : memory;
   FuzzHandler handler(buf, decode);

@@ -75,7 +75,8 @@ QN_API int xmlDecBool(ASN1CTXT* pctxt, ASN1BOOL* pvalue);
 
 /* An optional "-" and decimal digits, nothing after (a trailing blank too is -34); an empty
  * text or a lone "-" is 0; no "+". -34 for any other character, -33 when the value does not
- * fit. *pvalue is set to 0 first. The unsigned forms take no sign. */
+ * fit. The 32 and 64-bit forms set *pvalue to 0 first; the 8 and 16-bit forms read the 32-bit
+ * value and write it only when it is in their range. The unsigned forms take no sign. */
 QN_API int xerDecInt(ASN1CTXT* pctxt, ASN1INT* pvalue);
 QN_API int xerDecInt8(ASN1CTXT* pctxt, ASN1INT8* pvalue);
 QN_API int xerDecInt16(ASN1CTXT* pctxt, ASN1SINT* pvalue);
