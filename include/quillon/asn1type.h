@@ -113,7 +113,7 @@ typedef uint32_t ASN1TagType;
 #define ASN_E_INVBINS (-15)     /* Invalid binary string */
 #define ASN_E_INVREAL (-16)     /* Invalid real value */
 #define ASN_E_STROVFLW (-17)    /* Sized BIT or OCTET STRING overflow */
-#define ASN_E_BADVALUE (-18)    /* Invalid value specification */
+#define ASN_E_BADVALUE (-18)    /* Invalid value given */
 #define ASN_E_UNDEFVAL (-19)    /* No definition for referenced value */
 #define ASN_E_UNDEFTYP (-20)    /* No definition for referenced type */
 #define ASN_E_BADTAG (-21)      /* Invalid tag value */
