@@ -10,7 +10,8 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 REPO = os.path.normpath(os.path.join(HERE, "..", "..", ".."))
 MODULES_DIR = os.path.join(REPO, "modules")
 CATALOGUE = os.path.join(HERE, "data", "catalogue.txt")
-REFERENCE_DIR = "/work/shared/asn1-reference"
+# The published module texts sit beside the checkout, in shared/asn1-reference.
+REFERENCE_DIR = os.path.normpath(os.path.join(REPO, "..", "shared", "asn1-reference"))
 
 
 def module_text(name, body, tagging="EXPLICIT", imports=""):
