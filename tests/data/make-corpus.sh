@@ -168,43 +168,39 @@ to_pem() {
 
 # ------------------------------------------------------------------------ the CA
 
+# One CA section of the configuration: each CA keeps its database under $work/<name>.
+ca_section() {
+  cat <<EOF
+[ $1 ]
+dir = $work/$1
+database = \$dir/index.txt
+new_certs_dir = \$dir/new
+serial = \$dir/serial
+crlnumber = \$dir/crlnumber
+certificate = $work/$1.pem
+private_key = $(key_file "$2")
+default_md = sha256
+policy = any
+unique_subject = no
+copy_extensions = none
+email_in_dn = yes
+utf8 = yes
+string_mask = utf8only
+
+EOF
+}
+
 write_ca_config() {
-  cat >"$work/ca.cnf" <<EOF
-[ ca ]
-default_ca = root
+  {
+    printf '[ ca ]\ndefault_ca = root\n\n'
+    ca_section root root-rsa
+    ca_section sub sub-rsa
+    ca_config_rest
+  } >"$work/ca.cnf"
+}
 
-[ root ]
-dir = $work/root
-database = \$dir/index.txt
-new_certs_dir = \$dir/new
-serial = \$dir/serial
-crlnumber = \$dir/crlnumber
-certificate = $work/root.pem
-private_key = $(key_file root-rsa)
-default_md = sha256
-policy = any
-unique_subject = no
-copy_extensions = none
-email_in_dn = yes
-utf8 = yes
-string_mask = utf8only
-
-[ sub ]
-dir = $work/sub
-database = \$dir/index.txt
-new_certs_dir = \$dir/new
-serial = \$dir/serial
-crlnumber = \$dir/crlnumber
-certificate = $work/sub.pem
-private_key = $(key_file sub-rsa)
-default_md = sha256
-policy = any
-unique_subject = no
-copy_extensions = none
-email_in_dn = yes
-utf8 = yes
-string_mask = utf8only
-
+ca_config_rest() {
+  cat <<EOF
 [ any ]
 countryName = optional
 stateOrProvinceName = optional
