@@ -68,24 +68,49 @@ inline OSMemLink* firstLarge(OSMemHeap* heap) {
   return isLarge(head) ? head : head->nextRaw;
 }
 
+/* The list is linked forward to a null end, and backward in a ring: the head's prev is the
+ * last link, so that kept-empty blocks can be parked at the end and taken back in O(1). */
+inline OSMemLink* lastLink(OSMemHeap* heap) { return heap->blocks ? heap->blocks->prev : nullptr; }
+
 void pushLink(OSMemHeap* heap, OSMemLink* link) {
   OSMemLink* head = heap->blocks;
-  link->prev = nullptr;
+  link->prev = head ? head->prev : link;
   link->next = head;
   link->nextRaw = head ? (isLarge(head) ? head : head->nextRaw) : nullptr;
   if (head) head->prev = link;
   heap->blocks = link;
 }
 
+/* Only ordinary blocks are appended: nothing large is behind them. */
+void appendLink(OSMemHeap* heap, OSMemLink* link) {
+  OSMemLink* head = heap->blocks;
+  if (!head) {
+    pushLink(heap, link);
+    return;
+  }
+  OSMemLink* last = head->prev;
+  last->next = link;
+  link->prev = last;
+  link->next = nullptr;
+  link->nextRaw = nullptr;
+  head->prev = link;
+}
+
 void unlinkLink(OSMemHeap* heap, OSMemLink* link) {
+  OSMemLink* head = heap->blocks;
   if (isLarge(link)) {
-    for (OSMemLink* l = heap->blocks; l != link; l = l->next) {
+    for (OSMemLink* l = head; l != link; l = l->next) {
       if (l->nextRaw == link) l->nextRaw = link->nextRaw;
     }
   }
-  if (link->prev) link->prev->next = link->next;
-  else heap->blocks = link->next;
+  if (link == head) {
+    heap->blocks = link->next;
+    if (link->next) link->next->prev = link->prev;
+    return;
+  }
+  link->prev->next = link->next;
   if (link->next) link->next->prev = link->prev;
+  else head->prev = link->prev;
 }
 
 OSMemLink* findLarge(OSMemHeap* heap, const void* mem) {
@@ -111,22 +136,8 @@ inline void leaveEmptyCounters(OSMemHeap* heap, const OSMemBlk* blk) {
   heap->emptyCount--;
 }
 
-OSMemBlk* firstBlock(OSMemHeap* heap) {
-  OSMemLink* l = heap->blocks;
-  while (l && isLarge(l)) l = l->next;
-  return l ? blockOfLink(l) : nullptr;
-}
-
-/* Keeps the first block's bound on the other tails valid when a tail grows back. */
-void noteTailRoom(OSMemHeap* heap, OSMemBlk* blk) {
-  if (!(heap->flags & RT_MH_TAILBOUND)) return;
-  OSMemBlk* first = firstBlock(heap);
-  if (first != blk && first->otherTailRoom < tailRoom(blk)) first->otherTailRoom = tailRoom(blk);
-}
-
 void releaseBlock(OSMemHeap* heap, OSMemLink* link) {
   OSMemBlk* blk = blockOfLink(link);
-  if (firstBlock(heap) == blk) heap->flags &= ~RT_MH_TAILBOUND;
   unlinkLink(heap, link);
   heap->blockUnits -= blk->totalUnits;
   heap->blockCount--;
@@ -192,6 +203,14 @@ void absorbNext(OSMemBlk* blk, OSMemElemHdr* elem, OSMemElemHdr* next) {
 
 /* ---- Emptying and reuse of blocks ------------------------------------------------------- */
 
+/* Kept-empty blocks stay behind every block in use, so allocation finds them at the end of the
+ * list and the blocks in use at its front. */
+void parkEmptyBlock(OSMemHeap* heap, OSMemBlk* blk) {
+  enterEmptyCounters(heap, blk);
+  unlinkLink(heap, blk->plink);
+  appendLink(heap, blk->plink);
+}
+
 void clearBlock(OSMemBlk* blk) {
   blk->tailIndex = 0;
   blk->freeUnits = 0;
@@ -212,8 +231,7 @@ void blockBecameEmpty(OSMemHeap* heap, OSMemBlk* blk) {
     releaseBlock(heap, blk->plink);
     return;
   }
-  enterEmptyCounters(heap, blk);
-  noteTailRoom(heap, blk);
+  parkEmptyBlock(heap, blk);
 }
 
 /* ---- Freeing an element ----------------------------------------------------------------- */
@@ -264,7 +282,6 @@ void freeLast(OSMemHeap* heap, OSMemBlk* blk, OSMemElemHdr* elem) {
   }
   newLast->flags |= RTMEMELEM_LAST;
   blk->lastElem = static_cast<ASN1USINT>(indexOf(blk, newLast) + 1);
-  noteTailRoom(heap, blk);
 }
 
 void freeElement(OSMemHeap* heap, OSMemElemHdr* elem) {
@@ -283,7 +300,6 @@ void shrinkElement(OSMemHeap* heap, OSMemBlk* blk, OSMemElemHdr* elem, unsigned 
   if (elem->flags & RTMEMELEM_LAST) {
     elem->units = static_cast<ASN1USINT>(units);
     blk->tailIndex = static_cast<ASN1USINT>(index + 1 + units);
-    noteTailRoom(heap, blk);
     return;
   }
   /* The rest becomes an element of its own, which the ordinary free path merges. */
@@ -337,52 +353,41 @@ void* carveAtTail(OSMemBlk* blk, unsigned units) {
   return bodyOf(elem);
 }
 
-/* A kept empty block taken back into use moves to the front, as a new block would: otherwise
- * every request after a reset would first walk past all the blocks it has already filled. */
-void promoteBlock(OSMemHeap* heap, OSMemBlk* blk, OSMemBlk* first) {
-  ASN1UINT bound = first->otherTailRoom;
-  if (tailRoom(first) > bound) bound = tailRoom(first);
-  unlinkLink(heap, blk->plink);
-  pushLink(heap, blk->plink);
-  blk->otherTailRoom = bound;
-}
+/* Allocation looks at the tails and free lists of the few newest blocks in use only, then at
+ * a kept-empty block, then makes a new block: a search of every block would make decoding a
+ * message of many blocks (a large CRL) quadratic. What is left in an older block is at most
+ * the few units a request did not fit in. */
+constexpr unsigned kRecentBlocks = 4;
 
-/* Takes the element from the tail of the first block, newest first, that has room. While the
- * heap keeps a bound on the other tails, a request the first block cannot serve and that is
- * above the bound is refused at once; a full search that fails leaves the exact bound behind.
- * *pAllRoom receives a bound on every tail, for the block that may be created next. */
-void* allocFromTails(OSMemHeap* heap, unsigned units, ASN1UINT* pAllRoom) {
-  unsigned need = units + 1;
-  OSMemBlk* first = nullptr;
-  ASN1UINT othersRoom = 0;
-  for (OSMemLink* l = heap->blocks; l; l = l->next) {
+/* The next ordinary block in use behind l (l included), or null at the kept-empty part. */
+OSMemBlk* blockInUseFrom(OSMemLink* l) {
+  for (; l; l = l->next) {
     if (isLarge(l)) continue;
     OSMemBlk* blk = blockOfLink(l);
-    if (tailRoom(blk) >= need) {
-      if (blk->tailIndex == 0) {
-        leaveEmptyCounters(heap, blk);
-        if (first) promoteBlock(heap, blk, first);
-      }
-      return carveAtTail(blk, units);
-    }
-    if (first) {
-      if (tailRoom(blk) > othersRoom) othersRoom = tailRoom(blk);
-      continue;
-    }
-    first = blk;
-    if ((heap->flags & RT_MH_TAILBOUND) && need > blk->otherTailRoom) {
-      othersRoom = blk->otherTailRoom;
-      break;
-    }
+    return blk->tailIndex != 0 ? blk : nullptr;
   }
-  if (!first) {
-    *pAllRoom = 0;
-    return nullptr;
-  }
-  first->otherTailRoom = othersRoom;
-  heap->flags |= RT_MH_TAILBOUND;
-  *pAllRoom = tailRoom(first) > othersRoom ? tailRoom(first) : othersRoom;
   return nullptr;
+}
+
+void* allocFromRecentTails(OSMemHeap* heap, unsigned units) {
+  OSMemBlk* blk = blockInUseFrom(heap->blocks);
+  for (unsigned n = 0; blk && n < kRecentBlocks; ++n) {
+    if (tailRoom(blk) >= units + 1) return carveAtTail(blk, units);
+    blk = blockInUseFrom(blk->plink->next);
+  }
+  return nullptr;
+}
+
+/* Takes the kept-empty block at the end of the list back into use, at the front. */
+void* allocFromKeptEmpty(OSMemHeap* heap, unsigned units) {
+  OSMemLink* last = lastLink(heap);
+  if (heap->emptyCount == 0 || !last || isLarge(last)) return nullptr;
+  OSMemBlk* blk = blockOfLink(last);
+  if (blk->tailIndex != 0 || tailRoom(blk) < units + 1) return nullptr;
+  leaveEmptyCounters(heap, blk);
+  unlinkLink(heap, last);
+  pushLink(heap, last);
+  return carveAtTail(blk, units);
 }
 
 void* takeFromFreeList(OSMemHeap* heap, OSMemBlk* blk, unsigned units) {
@@ -402,17 +407,18 @@ void* takeFromFreeList(OSMemHeap* heap, OSMemBlk* blk, unsigned units) {
   return bodyOf(elem);
 }
 
-void* allocFromFreeLists(OSMemHeap* heap, unsigned units) {
+void* allocFromRecentFreeLists(OSMemHeap* heap, unsigned units) {
   if (!(heap->flags & RT_MH_MAYFREE)) return nullptr;
   bool anyFree = false;
-  for (OSMemLink* l = heap->blocks; l; l = l->next) {
-    if (isLarge(l)) continue;
-    OSMemBlk* blk = blockOfLink(l);
+  OSMemBlk* blk = blockInUseFrom(heap->blocks);
+  for (unsigned n = 0; blk && n < kRecentBlocks; ++n) {
     anyFree = anyFree || blk->freeUnits != 0;
-    if (blk->freeUnits < units) continue;
-    if (void* mem = takeFromFreeList(heap, blk, units)) return mem;
+    if (blk->freeUnits >= units) {
+      if (void* mem = takeFromFreeList(heap, blk, units)) return mem;
+    }
+    blk = blockInUseFrom(blk->plink->next);
   }
-  if (!anyFree) heap->flags &= ~RT_MH_MAYFREE;
+  if (!anyFree && !blk) heap->flags &= ~RT_MH_MAYFREE;
   return nullptr;
 }
 
@@ -424,9 +430,7 @@ size_t blockBytesFor(const OSMemHeap* heap, unsigned units) {
   return blkSize;
 }
 
-/* allRoom bounds the tail room of every block already there; the new block, first in the
- * list, carries it. */
-void* allocFromNewBlock(OSMemHeap* heap, unsigned units, ASN1UINT allRoom) {
+void* allocFromNewBlock(OSMemHeap* heap, unsigned units) {
   size_t byteSize = blockBytesFor(heap, units);
   size_t capacity = (byteSize - kCapacitySlackBytes) / kUnit;
   if (capacity > kMaxBlockUnits) {
@@ -441,12 +445,11 @@ void* allocFromNewBlock(OSMemHeap* heap, unsigned units, ASN1UINT allRoom) {
   link->flags = RTMEMSTD | RTMEMLINK;
   blk->plink = link;
   blk->totalUnits = static_cast<ASN1USINT>(capacity);
-  blk->otherTailRoom = allRoom;
+  blk->reserved = 0;
   clearBlock(blk);
   pushLink(heap, link);
   heap->blockUnits += blk->totalUnits;
   heap->blockCount++;
-  heap->flags |= RT_MH_TAILBOUND;
   return carveAtTail(blk, units);
 }
 
@@ -499,8 +502,7 @@ inline bool holdsSaved(const OSMemLink* link) { return (link->flags & RTMEMSAVED
 void emptyBlockForReuse(OSMemHeap* heap, OSMemBlk* blk) {
   if (blk->tailIndex == 0) return;
   clearBlock(blk);
-  enterEmptyCounters(heap, blk);
-  noteTailRoom(heap, blk);
+  parkEmptyBlock(heap, blk);
 }
 
 void freeAllLinks(OSMemHeap* heap, bool keepSaved) {
@@ -590,10 +592,10 @@ void* rtMemHeapAlloc(OSMemHeap** ppHeap, size_t nbytes) {
   OSMemHeap* heap = *ppHeap;
   if (nbytes >= kLargeMinBytes) return allocLarge(heap, nbytes);
   unsigned units = unitsFor(nbytes);
-  ASN1UINT allRoom = 0;
-  if (void* mem = allocFromTails(heap, units, &allRoom)) return mem;
-  if (void* mem = allocFromFreeLists(heap, units)) return mem;
-  return allocFromNewBlock(heap, units, allRoom);
+  if (void* mem = allocFromRecentTails(heap, units)) return mem;
+  if (void* mem = allocFromKeptEmpty(heap, units)) return mem;
+  if (void* mem = allocFromRecentFreeLists(heap, units)) return mem;
+  return allocFromNewBlock(heap, units);
 }
 
 void* rtMemHeapAllocZ(OSMemHeap** ppHeap, size_t nbytes) {

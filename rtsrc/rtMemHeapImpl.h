@@ -2,7 +2,9 @@
  * Private layout of the block heap. Kept in a header of its own so that the heap's tests can
  * check the records and reckon block sizes with sizeof instead of hard-coding i386 figures.
  *
- * A heap is a list of links, newest first. An ordinary block is one hook allocation holding
+ * A heap is a list of links, newest first, except that kept-empty blocks wait at its end. The
+ * list is linked forward to a null end and backward in a ring (the head's prev is the last
+ * link). An ordinary block is one hook allocation holding
  * its link, its block header and a data area of 8-byte units; a large allocation is the
  * caller's memory on its own with a separately allocated link. Inside a block every element
  * is preceded by a one-unit header and all bookkeeping is in 16-bit unit counts.
@@ -38,10 +40,7 @@ struct OSMemBlk {
   ASN1USINT lastElem;   /* 1-based unit index of the last element's header, 0 if none */
   ASN1USINT freeHead;   /* 1-based unit index of the first free element's header, 0 if none */
   ASN1USINT savedCount;
-  /* In the first ordinary block of the list only, while the heap has RT_MH_TAILBOUND: an upper
-   * bound of the tail room of every other block. The word also keeps the data area on an
-   * 8-byte boundary on both builds. */
-  ASN1UINT otherTailRoom;
+  ASN1UINT reserved;    /* keeps the data area on an 8-byte boundary on both builds */
 };
 
 struct OSMemElemHdr {
@@ -72,9 +71,6 @@ struct OSMemHeap {
 
 /* Set on a heap record that rtMemHeapCreate allocated; the top four flag bits are the heap's. */
 #define RT_MH_FREEHEAPDESC 0x10000000u
-/* The first block's otherTailRoom is valid: a request it cannot serve and that exceeds the
- * bound skips the other tails at once. */
-#define RT_MH_TAILBOUND 0x20000000u
 /* Some block may hold free elements; clear after a search of the free lists found none. */
 #define RT_MH_MAYFREE 0x40000000u
 #define RT_MH_INTERNALMASK 0xF0000000u

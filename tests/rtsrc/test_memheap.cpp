@@ -76,25 +76,23 @@ std::string checkBlock(OSMemBlk* blk) {
   return checkFreeList(blk, freeIdx);
 }
 
-// The shortcuts the heap keeps: the first block's bound on every other tail, and the flag that
-// says whether any free list can be worth searching.
+// What allocation relies on: kept-empty blocks wait behind everything else, the head's prev
+// names the last link, and the flag that says whether any free list is worth searching.
 std::string checkShortcuts(OSMemHeap* heap) {
-  OSMemBlk* first = nullptr;
-  bool anyFree = false;
+  bool anyFree = false, inEmptyPart = false;
+  OSMemLink* last = nullptr;
   for (OSMemLink* l = heap->blocks; l; l = l->next) {
-    if (l->flags & RTMEMRAW) continue;
-    OSMemBlk* blk = static_cast<OSMemBlk*>(l->memBlk);
-    anyFree = anyFree || blk->freeUnits != 0;
-    if (!first) {
-      first = blk;
-      continue;
+    last = l;
+    bool emptyBlock = false;
+    if (!(l->flags & RTMEMRAW)) {
+      OSMemBlk* blk = static_cast<OSMemBlk*>(l->memBlk);
+      anyFree = anyFree || blk->freeUnits != 0;
+      emptyBlock = blk->tailIndex == 0;
     }
-    unsigned room = blk->totalUnits - blk->tailIndex;
-    if ((heap->flags & RT_MH_TAILBOUND) && room > first->otherTailRoom) {
-      return "a tail is larger than the first block's bound";
-    }
+    if (inEmptyPart && !emptyBlock) return "a kept-empty block is in front of one in use";
+    inEmptyPart = emptyBlock;
   }
-  if ((heap->flags & RT_MH_TAILBOUND) && !first) return "tail bound without a block";
+  if (last && heap->blocks->prev != last) return "the head's prev is not the last link";
   if (anyFree && !(heap->flags & RT_MH_MAYFREE)) return "free elements the heap does not know of";
   return "";
 }
@@ -320,7 +318,7 @@ TEST_F(MemHeapTest, EmptyBlocksAreKeptUnlessTheHeapSaysOtherwise) {
 
   ASN1UINT dontKeep = RT_MH_DONTKEEPFREE | 0xF0000000u;
   rtMemHeapSetProperty(&heap_, OSRTMH_PROPID_SETFLAGS, &dontKeep);
-  EXPECT_EQ(heap_->flags & ~(RT_MH_TAILBOUND | RT_MH_MAYFREE),
+  EXPECT_EQ(heap_->flags & ~RT_MH_MAYFREE,
             RT_MH_FREEHEAPDESC | RT_MH_DONTKEEPFREE)
       << "top bits are the heap's";
   rtMemHeapFreePtr(&heap_, p);
@@ -330,7 +328,7 @@ TEST_F(MemHeapTest, EmptyBlocksAreKeptUnlessTheHeapSaysOtherwise) {
   EXPECT_EQ(heap_->blocks, nullptr);
   ASN1UINT all = 0xFFFFFFFFu;
   rtMemHeapSetProperty(&heap_, OSRTMH_PROPID_CLEARFLAGS, &all);
-  EXPECT_EQ(heap_->flags & ~(RT_MH_TAILBOUND | RT_MH_MAYFREE), RT_MH_FREEHEAPDESC);
+  EXPECT_EQ(heap_->flags & ~RT_MH_MAYFREE, RT_MH_FREEHEAPDESC);
 }
 
 TEST_F(MemHeapTest, ReallocResizesInPlaceWhenItCan) {
