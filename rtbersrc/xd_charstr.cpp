@@ -5,7 +5,16 @@ using namespace qn::xd;
 
 namespace {
 
+/* Every string type of the modules has a one-octet tag, and nearly every string a short
+ * length: that header is matched in place; anything else goes through the general match. */
 int matchStringTag(ASN1CTXT* pctxt, ASN1TagType tag, int* len_p) {
+  const ASN1UINT number = tag & TM_IDCODE_MASK;
+  if (number < 31) {
+    const ASN1OCTET octet = (ASN1OCTET)(((tag >> 24) & 0xC0u) | number);
+    const ASN1BUFFER& buf = pctxt->buffer;
+    const ASN1UINT idx = buf.byteIndex;
+    if (idx < buf.size && (buf.data[idx] & ~0x20) == octet) return xd_Tag1AndLen(pctxt, len_p);
+  }
   int stat = xd_match(pctxt, tag, len_p, XM_ADVANCE);
   if (stat < 0) return LOG_RTERR(pctxt, stat);
   return 0;

@@ -335,7 +335,7 @@ bool growElement(OSMemHeap* heap, OSMemBlk* blk, OSMemElemHdr* elem, unsigned un
 
 /* ---- Allocation ------------------------------------------------------------------------- */
 
-void* carveAtTail(OSMemBlk* blk, unsigned units) {
+inline void* carveAtTail(OSMemBlk* blk, unsigned units) {
   unsigned index = blk->tailIndex;
   OSMemElemHdr* elem = elemAt(blk, index);
   elem->flags = RTMEMELEM_LAST;
