@@ -43,6 +43,15 @@ int xd_match(ASN1CTXT* pctxt, ASN1TagType tag, int* len_p, ASN1OCTET flags) {
 int xd_match1(ASN1CTXT* pctxt, ASN1OCTET tag, int* len_p) {
   ASN1BUFFER& buf = pctxt->buffer;
   ASN1UINT idx = buf.byteIndex;
+  /* The usual header, matched in place: the expected octet and a short length that fits. */
+  if (idx < buf.size && buf.size - idx >= 2 && ((buf.data[idx] ^ tag) & ~0x20) == 0 &&
+      buf.data[idx + 1] < 0x80 && buf.data[idx + 1] <= buf.size - idx - 2 &&
+      !streamEnded(pctxt)) {
+    if (len_p) *len_p = buf.data[idx + 1];
+    buf.byteIndex = idx + 2;
+    setConstructedFlag(pctxt, buf.data[idx] & 0x20);
+    return 0;
+  }
   if (idx < buf.size && ((buf.data[idx] ^ tag) & ~0x20) == 0) {
     int len;
     int stat = xd_Tag1AndLen(pctxt, &len);

@@ -56,7 +56,19 @@ int decodeArcs(ASN1CTXT* pctxt, ASN1UINT* numids_p, Arc* arcs, bool absolute, in
   const ASN1OCTET* p = pctxt->buffer.data + pctxt->buffer.byteIndex;
   const ASN1UINT numocts = (ASN1UINT)length;
   ASN1UINT numids = 0;
-  for (ASN1UINT pos = 0; pos < numocts;) {
+  ASN1UINT pos = 0;
+  if (absolute && p[0] < 0x80) {
+    /* The first subidentifier of nearly every identifier is one octet (0.x, 1.x, 2.0-47). */
+    splitFirstSubid<Arc>(p[0], &arcs[0], &arcs[1]);
+    numids = 2;
+    pos = 1;
+  }
+  while (pos < numocts) {
+    /* One-octet arcs, the common case, are stored without the general loop. */
+    if (p[pos] < 0x80 && numids < ASN_K_MAXSUBIDS) {
+      arcs[numids++] = p[pos++];
+      continue;
+    }
     Arc subid;
     stat = readSubid(p, numocts, &pos, &subid);
     if (stat < 0) return LOG_RTERR(pctxt, stat);
