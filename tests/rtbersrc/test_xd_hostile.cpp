@@ -173,16 +173,10 @@ TEST(XdRoundTrip, IntegersOfEveryWidthAndSignedness) {
   roundTripIntegers<ASN1UINT64>(xe_uint64, xd_uint64, {0, 1ull << 63, ULLONG_MAX});
 }
 
-TEST(XdRoundTrip, BooleanAndNull) {
+TEST(XdRoundTrip, BooleansComeBackAsFF) {
   for (int v : {0, 1, 0x80}) {
-    ASN1BOOL b = (ASN1BOOL)v;
-    EXPECT_EQ(decodeWith(xd_boolean, encodeWith(xe_boolean, b)), v ? 0xFF : 0);
+    EXPECT_EQ(decodeWith(xd_boolean, encodeWith(xe_boolean, (ASN1BOOL)v)), v ? 0xFF : 0);
   }
-  EncodeHarness e;
-  ASSERT_EQ(xe_null(e.ctxt(), ASN1EXPL), 2);
-  Bytes b = e.written();
-  DecodeHarness d(Octets(b.begin(), b.end()));
-  EXPECT_EQ(xd_null(d.ctxt(), ASN1EXPL, 0), 0);
 }
 
 TEST(XdRoundTrip, OctetAndBitStringsOfManyLengths) {
@@ -273,11 +267,7 @@ TEST(XdRoundTrip, ObjectIdentifiers) {
     ASN1RELOID rel = oid;
     expectSameArcs(decodeWith(xd_reloid, encodeWith(xe_reloid, rel)), rel);
   }
-  ASN1OID64 wide{};
-  wide.numids = 3;
-  wide.subid[0] = 2;
-  wide.subid[1] = 0xFFFFFFFFFFull;
-  wide.subid[2] = ULLONG_MAX;
+  const ASN1OID64 wide = {3, {2, 0xFFFFFFFFFFull, ULLONG_MAX}};
   expectSameArcs(decodeWith(xd_oid64, encodeWith(xe_oid64, wide)), wide);
 }
 
@@ -314,18 +304,6 @@ TEST(XdRoundTrip, BigIntegerTextIsStable) {
     if (expected.rfind("0x00ff", 0) == 0) expected = "0x" + expected.substr(4);
     EXPECT_EQ(got, expected);
   }
-}
-
-TEST(XdRoundTrip, OpenTypeCopiedAsItStands) {
-  Octets elem = hexOctets("30 80 A0 80 02 01 01 00 00 04 01 41 00 00");
-  EncodeHarness e;
-  ASSERT_EQ(xe_OpenType(e.ctxt(), elem.data(), (ASN1UINT)elem.size()), (int)elem.size());
-  Bytes enc = e.written();
-  DecodeHarness d(Octets(enc.begin(), enc.end()));
-  const ASN1OCTET* data;
-  ASN1UINT n;
-  ASSERT_EQ(xd_OpenType(d.ctxt(), &data, &n), 0);
-  EXPECT_EQ(Octets(data, data + n), elem);
 }
 
 }  // namespace

@@ -19,6 +19,14 @@ int decode(Fn fn, const std::string& hex, T* value, int tagging = ASN1EXPL, int 
   return stat;
 }
 
+// hex decodes whole to value, written over a value that differs from it in every bit.
+template <typename T, typename Fn>
+void expectValue(Fn fn, const std::string& hex, T value, int tagging = ASN1EXPL, int length = 0) {
+  T v = static_cast<T>(~static_cast<uint64_t>(value));
+  ASSERT_EQ(decode(fn, hex, &v, tagging, length), 0) << hex;
+  EXPECT_EQ(v, value) << hex;
+}
+
 TEST(XdInteger, TwosComplementValues) {
   struct Case {
     const char* hex;
@@ -28,83 +36,63 @@ TEST(XdInteger, TwosComplementValues) {
                {"02 02 FF 7F", -129},    {"02 01 FF", -1},
                {"02 04 7F FF FF FF", INT_MAX}, {"02 04 80 00 00 00", INT_MIN},
                {"02 03 00 00 01", 1}};
-  for (const Case& c : cases) {
-    ASN1INT v = 12345;
-    ASSERT_EQ(decode(xd_integer, c.hex, &v), 0) << c.hex;
-    EXPECT_EQ(v, c.value) << c.hex;
-  }
+  for (const Case& c : cases) expectValue(xd_integer, c.hex, c.value);
 }
 
 TEST(XdInteger, LengthAndTagFailures) {
   ASN1INT v;
   EXPECT_EQ(decode(xd_integer, "02 05 00 00 00 00 01", &v), ASN_E_TOOBIG);
   EXPECT_EQ(decode(xd_integer, "02 00", &v), ASN_E_INVLEN);
-  EXPECT_EQ(decode(xd_integer, "02 82 00 01 05", &v), 0);
-  EXPECT_EQ(v, 5);
+  expectValue<ASN1INT>(xd_integer, "02 82 00 01 05", 5);
   // Only the one-octet universal tag is accepted, and only primitive.
   EXPECT_EQ(decode(xd_integer, "0A 01 05", &v), ASN_E_IDNOTFOU);
   EXPECT_EQ(decode(xd_integer, "22 03 02 01 05", &v), ASN_E_IDNOTFOU);
   EXPECT_EQ(decode(xd_integer, "02 80 00 00", &v), ASN_E_INVLEN);
   // Implicit: the caller's length, checked against the data.
-  EXPECT_EQ(decode(xd_integer, "FF 7F", &v, ASN1IMPL, 2), 0);
-  EXPECT_EQ(v, -129);
+  expectValue<ASN1INT>(xd_integer, "FF 7F", -129, ASN1IMPL, 2);
   EXPECT_EQ(decode(xd_integer, "FF 7F", &v, ASN1IMPL, 3), ASN_E_ENDOFBUF);
   EXPECT_EQ(decode(xd_integer, "FF 7F", &v, ASN1IMPL, ASN_K_INDEFLEN), ASN_E_INVLEN);
 }
 
 TEST(XdInteger, NarrowAndWideTargets) {
+  expectValue<ASN1INT8>(xd_int8, "02 01 80", -128);
   ASN1INT8 i8;
-  ASSERT_EQ(decode(xd_int8, "02 01 80", &i8), 0);
-  EXPECT_EQ(i8, -128);
   EXPECT_EQ(decode(xd_int8, "02 02 00 80", &i8), ASN_E_TOOBIG);
+  expectValue<ASN1SINT>(xd_int16, "02 02 80 00", SHRT_MIN);
   ASN1SINT i16;
-  ASSERT_EQ(decode(xd_int16, "02 02 80 00", &i16), 0);
-  EXPECT_EQ(i16, SHRT_MIN);
   EXPECT_EQ(decode(xd_int16, "02 03 00 80 00", &i16), ASN_E_TOOBIG);
+  expectValue<ASN1INT64>(xd_int64, "02 08 80 00 00 00 00 00 00 00", LLONG_MIN);
+  expectValue<ASN1INT64>(xd_int64, "02 05 FF 00 00 00 00", -(1LL << 32));
   ASN1INT64 i64;
-  ASSERT_EQ(decode(xd_int64, "02 08 80 00 00 00 00 00 00 00", &i64), 0);
-  EXPECT_EQ(i64, LLONG_MIN);
-  ASSERT_EQ(decode(xd_int64, "02 05 FF 00 00 00 00", &i64), 0);
-  EXPECT_EQ(i64, -(1LL << 32));
   EXPECT_EQ(decode(xd_int64, "02 09 00 80 00 00 00 00 00 00 00", &i64), ASN_E_TOOBIG);
+  expectValue<ASN1ENUM>(xd_enum, "0A 01 08", 8);
   ASN1ENUM e;
-  ASSERT_EQ(decode(xd_enum, "0A 01 08", &e), 0);
-  EXPECT_EQ(e, 8);
   EXPECT_EQ(decode(xd_enum, "02 01 08", &e), ASN_E_IDNOTFOU);
 }
 
 TEST(XdUnsigned, WidthWithOptionalLeadingZero) {
+  expectValue<ASN1UINT>(xd_unsigned, "02 05 00 80 00 00 00", 0x80000000u);
+  expectValue<ASN1UINT>(xd_unsigned, "02 05 00 FF FF FF FF", 0xFFFFFFFFu);
   ASN1UINT u;
-  ASSERT_EQ(decode(xd_unsigned, "02 05 00 80 00 00 00", &u), 0);
-  EXPECT_EQ(u, 0x80000000u);
-  ASSERT_EQ(decode(xd_unsigned, "02 05 00 FF FF FF FF", &u), 0);
-  EXPECT_EQ(u, 0xFFFFFFFFu);
   EXPECT_EQ(decode(xd_unsigned, "02 05 01 00 00 00 00", &u), ASN_E_TOOBIG);
   EXPECT_EQ(decode(xd_unsigned, "02 06 00 00 00 00 00 01", &u), ASN_E_TOOBIG);
   EXPECT_EQ(decode(xd_unsigned, "30 01 00", &u), ASN_E_IDNOTFOU);
 
+  expectValue<ASN1UINT8>(xd_uint8, "02 02 00 FF", 255);
   ASN1UINT8 u8;
-  ASSERT_EQ(decode(xd_uint8, "02 02 00 FF", &u8), 0);
-  EXPECT_EQ(u8, 255);
   EXPECT_EQ(decode(xd_uint8, "02 02 01 00", &u8), ASN_E_TOOBIG);
-  ASN1USINT u16;
-  ASSERT_EQ(decode(xd_uint16, "02 03 00 FF FE", &u16), 0);
-  EXPECT_EQ(u16, 0xFFFE);
+  expectValue<ASN1USINT>(xd_uint16, "02 03 00 FF FE", 0xFFFE);
+  expectValue<ASN1UINT64>(xd_uint64, "02 09 00 FF FF FF FF FF FF FF FE", 0xFFFFFFFFFFFFFFFEull);
   ASN1UINT64 u64;
-  ASSERT_EQ(decode(xd_uint64, "02 09 00 FF FF FF FF FF FF FF FE", &u64), 0);
-  EXPECT_EQ(u64, 0xFFFFFFFFFFFFFFFEull);
   EXPECT_EQ(decode(xd_uint64, "02 09 01 00 00 00 00 00 00 00 00", &u64), ASN_E_TOOBIG);
 }
 
 TEST(XdUnsigned, DeliberateLeniencies) {
   // A negative INTEGER reads as its bit pattern; empty contents read as 0.
-  ASN1UINT u = 7;
-  ASSERT_EQ(decode(xd_unsigned, "02 01 FF", &u), 0);
-  EXPECT_EQ(u, 0xFFu);
-  ASSERT_EQ(decode(xd_unsigned, "02 04 FF FF FF FE", &u), 0);
-  EXPECT_EQ(u, 0xFFFFFFFEu);
-  ASSERT_EQ(decode(xd_unsigned, "02 00", &u), 0);
-  EXPECT_EQ(u, 0u);
+  expectValue<ASN1UINT>(xd_unsigned, "02 01 FF", 0xFFu);
+  expectValue<ASN1UINT>(xd_unsigned, "02 04 FF FF FF FE", 0xFFFFFFFEu);
+  expectValue<ASN1UINT>(xd_unsigned, "02 00", 0u);
+  ASN1UINT u;
   // Contents that run past the data: one trace entry, from the point of detection.
   DecodeHarness h("01 02");
   EXPECT_EQ(xd_unsigned(h.ctxt(), &u, ASN1IMPL, 4), ASN_E_ENDOFBUF);
@@ -113,13 +101,10 @@ TEST(XdUnsigned, DeliberateLeniencies) {
 }
 
 TEST(XdBoolean, ValueKeptAsItStandsAndShortLengthOnly) {
+  expectValue<ASN1BOOL>(xd_boolean, "01 01 05", 5);
+  expectValue<ASN1BOOL>(xd_boolean, "01 01 00", 0);
+  expectValue<ASN1BOOL>(xd_boolean, "FF", 0xFF, ASN1IMPL, 1);
   ASN1BOOL b;
-  ASSERT_EQ(decode(xd_boolean, "01 01 05", &b), 0);
-  EXPECT_EQ(b, 5);
-  ASSERT_EQ(decode(xd_boolean, "01 01 00", &b), 0);
-  EXPECT_EQ(b, 0);
-  ASSERT_EQ(decode(xd_boolean, "FF", &b, ASN1IMPL, 1), 0);
-  EXPECT_EQ(b, 0xFF);
   EXPECT_EQ(decode(xd_boolean, "01 02 FF FF", &b), ASN_E_INVLEN);
   EXPECT_EQ(decode(xd_boolean, "01 00", &b), ASN_E_INVLEN);
   EXPECT_EQ(decode(xd_boolean, "01 81 01 FF", &b), ASN_E_INVLEN);
@@ -150,21 +135,14 @@ std::string bigint(const std::string& hex, int tagging = ASN1EXPL, int length = 
 }
 
 TEST(XdBigint, HexTextOfTheMagnitude) {
-  EXPECT_EQ(bigint("02 01 00"), "0x00");
-  EXPECT_EQ(bigint("02 01 7F"), "0x7f");
-  EXPECT_EQ(bigint("02 02 00 80"), "0x80");
-  EXPECT_EQ(bigint("02 03 00 00 01"), "0x01");
-  EXPECT_EQ(bigint("02 09 00 FF EE DD CC BB AA 99 88"), "0xffeeddccbbaa9988");
-  EXPECT_EQ(bigint("02 01 FF"), "-0x01");
-  EXPECT_EQ(bigint("02 01 80"), "-0x80");
-  EXPECT_EQ(bigint("02 02 FF 7F"), "-0x81");
-  EXPECT_EQ(bigint("02 02 FF 00"), "-0x0100");
-  EXPECT_EQ(bigint("02 02 80 00"), "-0x8000");
-  EXPECT_EQ(bigint("02 03 FF FF FF"), "-0x01");
+  const char* cases[][2] = {
+      {"02 01 00", "0x00"}, {"02 01 7F", "0x7f"}, {"02 02 00 80", "0x80"},
+      {"02 03 00 00 01", "0x01"}, {"02 09 00 FF EE DD CC BB AA 99 88", "0xffeeddccbbaa9988"},
+      {"02 01 FF", "-0x01"}, {"02 01 80", "-0x80"}, {"02 02 FF 7F", "-0x81"},
+      {"02 02 FF 00", "-0x0100"}, {"02 02 80 00", "-0x8000"}, {"02 03 FF FF FF", "-0x01"},
+      {"02 00", "status -5"}, {"04 01 00", "status -3"}, {"02 03 01", "status -5"}};
+  for (const auto& c : cases) EXPECT_EQ(bigint(c[0]), c[1]) << c[0];
   EXPECT_EQ(bigint("01 02", ASN1IMPL, 2), "0x0102");
-  EXPECT_EQ(bigint("02 00"), "status -5");
-  EXPECT_EQ(bigint("04 01 00"), "status -3");
-  EXPECT_EQ(bigint("02 03 01"), "status -5");
   EXPECT_EQ(bigint("01", ASN1IMPL, 2), "status -2");
 }
 

@@ -3,6 +3,8 @@
 
 #include <math.h>
 
+#include <utility>
+
 #include "decode_harness.h"
 
 namespace {
@@ -93,22 +95,17 @@ double realValue(const std::string& hex) {
 }
 
 TEST(XdReal, BinaryFormsInEveryBaseAndScale) {
-  EXPECT_EQ(realValue("09 03 80 00 01"), 1.0);
-  EXPECT_EQ(realValue("09 03 C0 00 01"), -1.0);
-  EXPECT_EQ(realValue("09 03 80 FF 03"), 1.5);
-  EXPECT_EQ(realValue("09 03 80 02 05"), 20.0);
-  // Base 8 and 16: the exponent counts digits of 3 and 4 bits; the scale adds bits.
-  EXPECT_EQ(realValue("09 03 90 01 01"), 8.0);
-  EXPECT_EQ(realValue("09 03 A0 FF 10"), 1.0);
-  EXPECT_EQ(realValue("09 03 88 00 01"), 4.0);
-  // Two-octet exponent, and a separately counted exponent length.
-  EXPECT_EQ(realValue("09 04 81 FB CE 01"), ldexp(1.0, -1074));
-  EXPECT_EQ(realValue("09 05 83 02 00 0A 03"), ldexp(3.0, 10));
-  // More mantissa octets than a double can hold.
-  EXPECT_EQ(realValue("09 0C 80 B0 01 00 00 00 00 00 00 00 00 00"), ldexp(1.0, -8));
-  // Exponents far beyond the range only saturate.
-  EXPECT_EQ(realValue("09 07 83 04 7F FF FF FF 01"), HUGE_VAL);
-  EXPECT_EQ(realValue("09 07 83 04 80 00 00 00 01"), 0.0);
+  // Base 8 and 16 (the exponent counts digits of 3 and 4 bits; the scale adds bits), exponents
+  // of two octets or of a counted length, more mantissa octets than a double holds, and
+  // exponents far beyond the range, which only saturate.
+  const std::pair<const char*, double> cases[] = {
+      {"09 03 80 00 01", 1.0}, {"09 03 C0 00 01", -1.0}, {"09 03 80 FF 03", 1.5},
+      {"09 03 80 02 05", 20.0}, {"09 03 90 01 01", 8.0}, {"09 03 A0 FF 10", 1.0},
+      {"09 03 88 00 01", 4.0}, {"09 04 81 FB CE 01", ldexp(1.0, -1074)},
+      {"09 05 83 02 00 0A 03", ldexp(3.0, 10)},
+      {"09 0C 80 B0 01 00 00 00 00 00 00 00 00 00", ldexp(1.0, -8)},
+      {"09 07 83 04 7F FF FF FF 01", HUGE_VAL}, {"09 07 83 04 80 00 00 00 01", 0.0}};
+  for (const auto& c : cases) EXPECT_EQ(realValue(c.first), c.second) << c.first;
 }
 
 TEST(XdReal, SpecialAndDecimalForms) {

@@ -5,6 +5,8 @@
 
 namespace {
 
+using FixedDecoder = int (*)(ASN1CTXT*, ASN1OCTET*, ASN1UINT*, int, int);
+
 struct OctResult {
   int stat;
   std::string hex;
@@ -90,24 +92,20 @@ TEST(XdOctstr, NestingIsBoundedAt32Levels) {
   EXPECT_EQ(octstr(deep).stat, ASN_E_TOODEEP);
 }
 
+// What a fixed-size decoder makes of hex in an array of exactly `octets`, told a capacity
+// of `capacity` (octets or bits): "count: octets", or the status.
+std::string fixed(FixedDecoder dec, const std::string& hex, size_t octets, ASN1UINT capacity) {
+  std::vector<ASN1OCTET> buf(octets);
+  int stat = dec(DecodeHarness(hex).ctxt(), buf.data(), &capacity, ASN1EXPL, 0);
+  if (stat < 0) return "status " + std::to_string(stat);
+  return std::to_string(capacity) + ": " + hexText(buf.data(), octets);
+}
+
 TEST(XdOctstrS, CapacityOfTheCallersArray) {
-  ASN1OCTET buf[3];
-  ASN1UINT n = sizeof buf;
-  ASSERT_EQ(xd_octstr_s(DecodeHarness("04 03 41 42 43").ctxt(), buf, &n, ASN1EXPL, 0), 0);
-  EXPECT_EQ(n, 3u);
-  EXPECT_EQ(hexText(buf, n), "41 42 43");
-  n = sizeof buf;
-  ASSERT_EQ(xd_octstr_s(DecodeHarness("24 80 04 01 41 04 02 42 43 00 00").ctxt(), buf, &n,
-                        ASN1EXPL, 0),
-            0);
-  EXPECT_EQ(hexText(buf, n), "41 42 43");
-  n = 2;
-  EXPECT_EQ(xd_octstr_s(DecodeHarness("04 03 41 42 43").ctxt(), buf, &n, ASN1EXPL, 0),
-            ASN_E_STROVFLW);
-  n = 2;
-  EXPECT_EQ(xd_octstr_s(DecodeHarness("24 80 04 01 41 04 02 42 43 00 00").ctxt(), buf, &n,
-                        ASN1EXPL, 0),
-            ASN_E_STROVFLW);
+  for (const char* hex : {"04 03 41 42 43", "24 80 04 01 41 04 02 42 43 00 00"}) {
+    EXPECT_EQ(fixed(xd_octstr_s, hex, 3, 3), "3: 41 42 43") << hex;
+    EXPECT_EQ(fixed(xd_octstr_s, hex, 2, 2), "status -17") << hex;
+  }
 }
 
 struct BitResult {
@@ -167,23 +165,10 @@ TEST(XdBitstr, ConstructedSegmentsShareOneUnusedCount) {
 }
 
 TEST(XdBitstrS, CapacityInBits) {
-  ASN1OCTET buf[2];
-  ASN1UINT numbits = 10;
-  ASSERT_EQ(xd_bitstr_s(DecodeHarness("03 03 06 AB C0").ctxt(), buf, &numbits, ASN1EXPL, 0), 0);
-  EXPECT_EQ(numbits, 10u);
-  EXPECT_EQ(hexText(buf, 2), "AB C0");
-  numbits = 9;
-  EXPECT_EQ(xd_bitstr_s(DecodeHarness("03 03 06 AB C0").ctxt(), buf, &numbits, ASN1EXPL, 0),
-            ASN_E_STROVFLW);
-  numbits = 16;
-  ASSERT_EQ(xd_bitstr_s(DecodeHarness("23 08 03 02 00 AA 03 02 07 80").ctxt(), buf, &numbits,
-                        ASN1EXPL, 0),
-            0);
-  EXPECT_EQ(numbits, 9u);
-  numbits = 8;
-  EXPECT_EQ(xd_bitstr_s(DecodeHarness("23 08 03 02 00 AA 03 02 07 80").ctxt(), buf, &numbits,
-                        ASN1EXPL, 0),
-            ASN_E_STROVFLW);
+  EXPECT_EQ(fixed(xd_bitstr_s, "03 03 06 AB C0", 2, 10), "10: AB C0");
+  EXPECT_EQ(fixed(xd_bitstr_s, "03 03 06 AB C0", 2, 9), "status -17");
+  EXPECT_EQ(fixed(xd_bitstr_s, "23 08 03 02 00 AA 03 02 07 80", 2, 16), "9: AA 80");
+  EXPECT_EQ(fixed(xd_bitstr_s, "23 08 03 02 00 AA 03 02 07 80", 2, 8), "status -17");
 }
 
 TEST(XdConsStr, LengthAndSizeWithoutMovingThePosition) {
@@ -215,11 +200,10 @@ std::string charstr(const std::string& hex, ASN1TagType tag, bool fastCopy = fal
 
 TEST(XdCharstr, TextIsAlwaysACopyTerminatedAndJoined) {
   EXPECT_EQ(charstr("13 05 48 65 6C 6C 6F", ASN_ID_PrintableString, true), "Hello");
-  EXPECT_EQ(charstr("16 00", ASN_ID_IA5String), "");
-  EXPECT_EQ(charstr("36 80 04 02 48 69 04 01 21 00 00", ASN_ID_IA5String), "Hi!");
-  EXPECT_EQ(charstr("36 80 00 00", ASN_ID_IA5String), "");
-  EXPECT_EQ(charstr("0C 01 41", ASN_ID_IA5String), "status -3");
-  EXPECT_EQ(charstr("16 80 00 00", ASN_ID_IA5String), "status -5");
+  const char* ia5[][2] = {{"16 00", ""}, {"36 80 04 02 48 69 04 01 21 00 00", "Hi!"},
+                          {"36 80 00 00", ""}, {"0C 01 41", "status -3"},
+                          {"16 80 00 00", "status -5"}};
+  for (const auto& c : ia5) EXPECT_EQ(charstr(c[0], ASN_ID_IA5String), c[1]) << c[0];
 }
 
 template <typename Str, typename Fn>

@@ -1,6 +1,8 @@
 // Identifier and length octets, and attaching a message with xd_setp.
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "decode_harness.h"
 
 namespace {
@@ -23,22 +25,16 @@ Header readHeader(const std::string& hex, ASN1OCTET flags = XM_ADVANCE) {
   return r;
 }
 
-TEST(XdTagLen, OneOctetIdentifiers) {
-  EXPECT_EQ(readHeader("02 00").tag, ASN_ID_INT);
-  EXPECT_EQ(readHeader("30 00").tag, TM_CONS | ASN_ID_SEQ);
-  EXPECT_EQ(readHeader("82 00").tag, TM_CTXT | 2);
-  EXPECT_EQ(readHeader("A3 00").tag, TM_CTXT | TM_CONS | 3);
-  EXPECT_EQ(readHeader("5E 00").tag, TM_APPL | 30);
-  EXPECT_EQ(readHeader("E0 00").tag, TM_PRIV | TM_CONS | 0);
-}
-
-TEST(XdTagLen, LongFormTagNumbers) {
-  EXPECT_EQ(readHeader("9F 1F 00").tag, TM_CTXT | 31);
+TEST(XdTagLen, IdentifiersOfOneOctetAndInBase128) {
+  const std::pair<const char*, ASN1TagType> cases[] = {
+      {"02 00", ASN_ID_INT}, {"30 00", TM_CONS | ASN_ID_SEQ}, {"82 00", TM_CTXT | 2},
+      {"A3 00", TM_CTXT | TM_CONS | 3}, {"5E 00", TM_APPL | 30}, {"E0 00", TM_PRIV | TM_CONS | 0},
+      {"9F 1F 00", TM_CTXT | 31}, {"7F 81 80 00 00", TM_APPL | TM_CONS | 0x4000},
+      {"DF 81 FF FF FF 7F 00", TM_PRIV | TM_IDCODE_MASK}};
+  for (const auto& c : cases) EXPECT_EQ(readHeader(c.first).tag, c.second) << c.first;
   Header h = readHeader("9F 81 48 00");
   EXPECT_EQ(h.tag, TM_CTXT | 200);
   EXPECT_EQ(h.pos, 4u);
-  EXPECT_EQ(readHeader("7F 81 80 00 00").tag, TM_APPL | TM_CONS | 0x4000);
-  EXPECT_EQ(readHeader("DF 81 FF FF FF 7F 00").tag, TM_PRIV | TM_IDCODE_MASK);
   // One more base-128 group would push the number past 29 bits.
   EXPECT_EQ(readHeader("DF 82 80 80 80 00 00").stat, ASN_E_BADTAG);
   EXPECT_EQ(readHeader("DF 81 FF FF FF FF 7F 00").stat, ASN_E_BADTAG);
@@ -58,15 +54,12 @@ TEST(XdTagLen, DefiniteLengthsAreBoundedByTheData) {
   EXPECT_EQ(len, 256);
   EXPECT_EQ(h.pos(), 6u);
 
-  EXPECT_EQ(readHeader("04 81 05 01 02 03").stat, ASN_E_INVLEN);
-  EXPECT_EQ(readHeader("04 04 01 02 03").stat, ASN_E_INVLEN);
-  EXPECT_EQ(readHeader("04 85 00 00 00 00 01 00").stat, ASN_E_INVLEN);
-  EXPECT_EQ(readHeader("04 FF").stat, ASN_E_INVLEN);
-  // A four-octet length with the top bit set would be negative as an int.
-  EXPECT_EQ(readHeader("04 84 80 00 00 00").stat, ASN_E_INVLEN);
-  EXPECT_EQ(readHeader("04 82 01").stat, ASN_E_ENDOFBUF);
-  EXPECT_EQ(readHeader("04").stat, ASN_E_ENDOFBUF);
-  EXPECT_EQ(readHeader("").stat, ASN_E_ENDOFBUF);
+  // Past the data, five length octets, 0xFF, and four whose top bit would make them negative
+  // as an int; then headers cut short.
+  for (const char* hex : {"04 81 05 01 02 03", "04 04 01 02 03", "04 85 00 00 00 00 01 00",
+                          "04 FF", "04 84 80 00 00 00"})
+    EXPECT_EQ(readHeader(hex).stat, ASN_E_INVLEN) << hex;
+  for (const char* hex : {"04 82 01", "04", ""}) EXPECT_EQ(readHeader(hex).stat, ASN_E_ENDOFBUF);
 }
 
 TEST(XdTagLen, IndefiniteLengthOnlyOnConstructedTags) {

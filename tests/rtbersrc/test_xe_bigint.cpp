@@ -29,16 +29,11 @@ TEST(XeBigInt, TextFormsOfOneValueEncodeAlike) {
 }
 
 TEST(XeBigInt, ZeroAndSignBoundaries) {
-  EXPECT_EQ(bigintHex("0"), "02 01 00");
-  EXPECT_EQ(bigintHex("-0"), "02 01 00");
-  EXPECT_EQ(bigintHex("0x0000"), "02 01 00");
-  EXPECT_EQ(bigintHex("-1"), "02 01 FF");
-  EXPECT_EQ(bigintHex("127"), "02 01 7F");
-  EXPECT_EQ(bigintHex("128"), "02 02 00 80");
-  EXPECT_EQ(bigintHex("-128"), "02 01 80");
-  EXPECT_EQ(bigintHex("-129"), "02 02 FF 7F");
-  EXPECT_EQ(bigintHex("-0x8000"), "02 02 80 00");
-  EXPECT_EQ(bigintHex("-0x8001"), "02 03 FF 7F FF");
+  const char* cases[][2] = {
+      {"0", "02 01 00"}, {"-0", "02 01 00"}, {"0x0000", "02 01 00"}, {"-1", "02 01 FF"},
+      {"127", "02 01 7F"}, {"128", "02 02 00 80"}, {"-128", "02 01 80"}, {"-129", "02 02 FF 7F"},
+      {"-0x8000", "02 02 80 00"}, {"-0x8001", "02 03 FF 7F FF"}};
+  for (const auto& c : cases) EXPECT_EQ(bigintHex(c[0]), c[1]) << c[0];
 }
 
 TEST(XeBigInt, AgreesWithTheInt64EncoderOnDecimalAndHexText) {

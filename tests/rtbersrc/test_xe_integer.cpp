@@ -3,6 +3,7 @@
 
 #include <limits>
 #include <random>
+#include <utility>
 
 #include "encode_harness.h"
 
@@ -36,15 +37,12 @@ std::string explicitInt(ASN1INT v) {
 }
 
 TEST(XeInteger, SmallValuesAndSignBoundaries) {
-  EXPECT_EQ(explicitInt(0), "02 01 00");
-  EXPECT_EQ(explicitInt(-1), "02 01 FF");
-  EXPECT_EQ(explicitInt(127), "02 01 7F");
-  EXPECT_EQ(explicitInt(128), "02 02 00 80");
-  EXPECT_EQ(explicitInt(-128), "02 01 80");
-  EXPECT_EQ(explicitInt(-129), "02 02 FF 7F");
-  EXPECT_EQ(explicitInt(256), "02 02 01 00");
-  EXPECT_EQ(explicitInt(std::numeric_limits<ASN1INT>::max()), "02 04 7F FF FF FF");
-  EXPECT_EQ(explicitInt(std::numeric_limits<ASN1INT>::min()), "02 04 80 00 00 00");
+  const std::pair<ASN1INT, const char*> cases[] = {
+      {0, "02 01 00"}, {-1, "02 01 FF"}, {127, "02 01 7F"}, {128, "02 02 00 80"},
+      {-128, "02 01 80"}, {-129, "02 02 FF 7F"}, {256, "02 02 01 00"},
+      {std::numeric_limits<ASN1INT>::max(), "02 04 7F FF FF FF"},
+      {std::numeric_limits<ASN1INT>::min(), "02 04 80 00 00 00"}};
+  for (const auto& c : cases) EXPECT_EQ(explicitInt(c.first), c.second) << c.first;
 }
 
 TEST(XeInteger, Int64RoundTripsMinimallyAcrossItsRange) {

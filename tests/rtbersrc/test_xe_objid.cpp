@@ -28,9 +28,7 @@ std::string objidHex(const ASN1OBJID& o) {
 }
 
 TEST(XeObjId, FirstTwoArcsShareOneSubidentifier) {
-  EXPECT_EQ(objidHex(oid({1, 2, 840})), "06 03 2A 86 48");
-  EXPECT_EQ(objidHex(oid({1, 2, 840, 113549, 1, 1, 11})),
-            "06 09 2A 86 48 86 F7 0D 01 01 0B");
+  EXPECT_EQ(objidHex(oid({1, 2, 840, 113549, 1, 1, 11})), "06 09 2A 86 48 86 F7 0D 01 01 0B");
   EXPECT_EQ(objidHex(oid({2, 5, 29, 19})), "06 03 55 1D 13");
   EXPECT_EQ(objidHex(oid({0, 0})), "06 01 00");
   EXPECT_EQ(objidHex(oid({0, 39})), "06 01 27");
@@ -41,12 +39,10 @@ TEST(XeObjId, FirstTwoArcsShareOneSubidentifier) {
 }
 
 TEST(XeObjId, InvalidIdentifiersFailWithNothingWritten) {
-  EXPECT_EQ(objidHex(oid({1, 40})), "status -4");
-  EXPECT_EQ(objidHex(oid({0, 40})), "status -4");
-  EXPECT_EQ(objidHex(oid({3, 1})), "status -4");
-  EXPECT_EQ(objidHex(oid({1})), "status -4");
-  EXPECT_EQ(objidHex(oid({})), "status -4");
-  EXPECT_EQ(objidHex(oid({2, 0xFFFFFFFFu - 79})), "status -4");  // head overflows 32 bits
+  // The second arc under 0 and 1, the first arc, too few arcs, a head past 32 bits.
+  for (const ASN1OBJID& bad : {oid({1, 40}), oid({0, 40}), oid({3, 1}), oid({1}), oid({}),
+                               oid({2, 0xFFFFFFFFu - 79})})
+    EXPECT_EQ(objidHex(bad), "status -4");
 
   ASN1OBJID tooMany = oid({1, 2});
   tooMany.numids = ASN_K_MAXSUBIDS + 1;

@@ -8,6 +8,7 @@
 
 #include <limits>
 #include <random>
+#include <utility>
 
 #include "encode_harness.h"
 
@@ -47,33 +48,21 @@ Bytes realContents(double v) {
   return h.written();
 }
 
-TEST(XeReal, SpecialValues) {
-  EXPECT_EQ(realHex(0.0), "09 00");
-  EXPECT_EQ(realHex(-0.0), "09 00");
-  EXPECT_EQ(realHex(std::numeric_limits<double>::infinity()), "09 01 40");
-  EXPECT_EQ(realHex(-std::numeric_limits<double>::infinity()), "09 01 41");
-  EXPECT_EQ(realHex(std::numeric_limits<double>::quiet_NaN()), "09 01 42");
-}
-
-TEST(XeReal, RoundNumbersHaveAnOddMantissa) {
-  EXPECT_EQ(realHex(1.0), "09 03 80 00 01");
-  EXPECT_EQ(realHex(-1.0), "09 03 C0 00 01");
-  EXPECT_EQ(realHex(0.5), "09 03 80 FF 01");
-  EXPECT_EQ(realHex(2.0), "09 03 80 01 01");
-  EXPECT_EQ(realHex(3.0), "09 03 80 00 03");
-  EXPECT_EQ(realHex(10.0), "09 03 80 01 05");
-  EXPECT_EQ(realHex(1024.0), "09 03 80 0A 01");
-  EXPECT_EQ(realHex(-0.375), "09 03 C0 FD 03");
-  EXPECT_EQ(realHex(256.0 * 255.0), "09 03 80 08 FF");
-  // A two-octet exponent switches the format bits to 1.
-  EXPECT_EQ(realHex(ldexp(1.0, 200)), "09 04 81 00 C8 01");
-  EXPECT_EQ(realHex(ldexp(1.0, -200)), "09 04 81 FF 38 01");
-}
-
-TEST(XeReal, ExtremesOfTheDoubleRange) {
-  EXPECT_EQ(realHex(DBL_MAX), "09 0A 81 03 CB 1F FF FF FF FF FF FF");
-  EXPECT_EQ(realHex(std::numeric_limits<double>::denorm_min()), "09 04 81 FB CE 01");
-  EXPECT_EQ(realHex(DBL_MIN), "09 04 81 FC 02 01");
+// Special values, round numbers (their mantissa made odd), two-octet exponents (which switch
+// the format bits to 1) and the extremes of the double range.
+TEST(XeReal, EncodingsOfSpecialRoundAndExtremeValues) {
+  const double inf = std::numeric_limits<double>::infinity();
+  const std::pair<double, const char*> cases[] = {
+      {0.0, "09 00"}, {-0.0, "09 00"}, {inf, "09 01 40"}, {-inf, "09 01 41"},
+      {std::numeric_limits<double>::quiet_NaN(), "09 01 42"}, {1.0, "09 03 80 00 01"},
+      {-1.0, "09 03 C0 00 01"}, {0.5, "09 03 80 FF 01"}, {2.0, "09 03 80 01 01"},
+      {3.0, "09 03 80 00 03"}, {10.0, "09 03 80 01 05"}, {1024.0, "09 03 80 0A 01"},
+      {-0.375, "09 03 C0 FD 03"}, {256.0 * 255.0, "09 03 80 08 FF"},
+      {ldexp(1.0, 200), "09 04 81 00 C8 01"}, {ldexp(1.0, -200), "09 04 81 FF 38 01"},
+      {DBL_MAX, "09 0A 81 03 CB 1F FF FF FF FF FF FF"},
+      {std::numeric_limits<double>::denorm_min(), "09 04 81 FB CE 01"},
+      {DBL_MIN, "09 04 81 FC 02 01"}};
+  for (const auto& c : cases) EXPECT_EQ(realHex(c.first), c.second) << c.first;
 }
 
 TEST(XeReal, FiniteValuesRoundTripExactly) {

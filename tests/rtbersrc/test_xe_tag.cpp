@@ -3,6 +3,8 @@
 
 #include <limits.h>
 
+#include <utility>
+
 #include "encode_harness.h"
 
 namespace {
@@ -21,22 +23,15 @@ std::string lenHex(int length) {
   return h.hex();
 }
 
+// Class and constructed bit in the first octet; numbers from 31 up in base 128 after it.
 TEST(XeTag, ClassConstructedBitAndNumber) {
-  EXPECT_EQ(tagHex(ASN_ID_INT), "02");
-  EXPECT_EQ(tagHex(TM_CONS | ASN_ID_SEQ), "30");
-  EXPECT_EQ(tagHex(TM_CTXT | 2), "82");
-  EXPECT_EQ(tagHex(TM_CTXT | TM_CONS | 3), "A3");
-  EXPECT_EQ(tagHex(TM_APPL | 30), "5E");
-  EXPECT_EQ(tagHex(TM_PRIV | TM_CONS | 0), "E0");
-}
-
-TEST(XeTag, HighTagNumbersUseBase128) {
-  EXPECT_EQ(tagHex(TM_CTXT | 31), "9F 1F");
-  EXPECT_EQ(tagHex(TM_CTXT | 127), "9F 7F");
-  EXPECT_EQ(tagHex(TM_CTXT | 128), "9F 81 00");
-  EXPECT_EQ(tagHex(TM_CTXT | 200), "9F 81 48");
-  EXPECT_EQ(tagHex(TM_APPL | TM_CONS | 0x4000), "7F 81 80 00");
-  EXPECT_EQ(tagHex(TM_PRIV | TM_IDCODE_MASK), "DF 81 FF FF FF 7F");
+  const std::pair<ASN1TagType, const char*> cases[] = {
+      {ASN_ID_INT, "02"}, {TM_CONS | ASN_ID_SEQ, "30"}, {TM_CTXT | 2, "82"},
+      {TM_CTXT | TM_CONS | 3, "A3"}, {TM_APPL | 30, "5E"}, {TM_PRIV | TM_CONS | 0, "E0"},
+      {TM_CTXT | 31, "9F 1F"}, {TM_CTXT | 127, "9F 7F"}, {TM_CTXT | 128, "9F 81 00"},
+      {TM_CTXT | 200, "9F 81 48"}, {TM_APPL | TM_CONS | 0x4000, "7F 81 80 00"},
+      {TM_PRIV | TM_IDCODE_MASK, "DF 81 FF FF FF 7F"}};
+  for (const auto& c : cases) EXPECT_EQ(tagHex(c.first), c.second) << std::hex << c.first;
 }
 
 TEST(XeTag, IdentifierTakesTheWhole32BitRange) {
@@ -48,16 +43,12 @@ TEST(XeTag, IdentifierTakesTheWhole32BitRange) {
 }
 
 TEST(XeTag, LengthForms) {
-  EXPECT_EQ(lenHex(0), "00");
-  EXPECT_EQ(lenHex(127), "7F");
-  EXPECT_EQ(lenHex(128), "81 80");
-  EXPECT_EQ(lenHex(255), "81 FF");
-  EXPECT_EQ(lenHex(256), "82 01 00");
-  EXPECT_EQ(lenHex(0x10000), "83 01 00 00");
-  EXPECT_EQ(lenHex(INT_MAX), "84 7F FF FF FF");
-  EXPECT_EQ(lenHex(ASN_K_INDEFLEN), "80");
-  EXPECT_EQ(lenHex(-1), "");  // any other negative length writes nothing
-  EXPECT_EQ(lenHex(-10000), "");
+  // Any negative length other than the indefinite one writes nothing.
+  const std::pair<int, const char*> cases[] = {
+      {0, "00"}, {127, "7F"}, {128, "81 80"}, {255, "81 FF"}, {256, "82 01 00"},
+      {0x10000, "83 01 00 00"}, {INT_MAX, "84 7F FF FF FF"}, {ASN_K_INDEFLEN, "80"},
+      {-1, ""}, {-10000, ""}};
+  for (const auto& c : cases) EXPECT_EQ(lenHex(c.first), c.second) << c.first;
 }
 
 TEST(XeTagLen, CountsHeaderAndContents) {

@@ -19,6 +19,10 @@ struct BitStrProbe : ASN1CBitStr {
   bool ownsMemory() const { return mDynAlloc != 0; }
 };
 
+using Octets = std::vector<ASN1OCTET>;
+
+Octets octets(const ASN1OCTET* p, size_t n) { return Octets(p, p + n); }
+
 const char* recordedModule(ASN1CType& c) {
   const ASN1ErrInfo& e = c.getCtxtPtr()->errInfo;
   return e.stkx > 0 ? e.stack[0].module : "";
@@ -93,10 +97,7 @@ TEST_F(CBitStrTest, ACallersArrayIsCutToItsCountAndMaximum) {
   ASN1OCTET array[4] = {0xFF, 0xFF, 0xAA, 0x55};
   ASN1UINT numbits = 10;
   BitStrProbe bits(*ctxt, array, numbits, 32);
-  EXPECT_EQ(array[0], 0xFF);
-  EXPECT_EQ(array[1], 0xC0);
-  EXPECT_EQ(array[2], 0x00);
-  EXPECT_EQ(array[3], 0x00);
+  EXPECT_EQ(octets(array, 4), (Octets{0xFF, 0xC0, 0x00, 0x00}));
   EXPECT_EQ(bits.size(), 2);
   EXPECT_EQ(bits.capacity(), 4);
   EXPECT_FALSE(bits.ownsMemory());
@@ -123,9 +124,7 @@ TEST_F(CBitStrTest, ACallersValueIsChangedInPlaceUntilItMustGrow) {
     grown = value.data;
     EXPECT_NE(grown, array);
     EXPECT_EQ(value.numbits, 21u);
-    EXPECT_EQ(grown[0], 0x90);
-    EXPECT_EQ(grown[1], 0x40);
-    EXPECT_EQ(grown[2], 0x08);
+    EXPECT_EQ(octets(grown, 3), (Octets{0x90, 0x40, 0x08}));
     EXPECT_EQ(array[0], 0x90);  // the caller's array is left as it was at the move
     EXPECT_TRUE(bits.ownsMemory());
     EXPECT_EQ(rtMemHeapCheckPtr(&pctxt()->memHeap, grown), 1);
@@ -167,59 +166,20 @@ TEST_F(CBitStrTest, InitCountsBytesEightTimesOverAsDocumented) {
   EXPECT_EQ(value.numbits, 10u);
 }
 
-TEST_F(CBitStrTest, LengthCountsUpToTheLastSetBit) {
-  ASN1CBitStr bits(*ctxt);
-  EXPECT_EQ(bits.length(), 0u);
-  EXPECT_EQ(bits.unusedBitsInLastUnit(), 0);
-  EXPECT_EQ(bits.set(3), 0);
-  EXPECT_EQ(bits.length(), 4u);
-  EXPECT_EQ(bits.unusedBitsInLastUnit(), 4);
-  EXPECT_EQ(bits.set(15), 0);
-  EXPECT_EQ(bits.length(), 16u);
-  EXPECT_EQ(bits.unusedBitsInLastUnit(), 0);
-  EXPECT_EQ(bits.clear(15), 0);
-  EXPECT_EQ(bits.length(), 4u);
-  EXPECT_EQ(bits.size(), 1);
-  ASN1TDynBitStr* value = bits;
-  EXPECT_EQ(value->numbits, 4u);
-  EXPECT_EQ(value->data[0], 0x10);
-  bits.clear();
-  EXPECT_EQ(bits.length(), 0u);
-  EXPECT_EQ(bits.size(), 0);
-  EXPECT_EQ(static_cast<ASN1TDynBitStr>(bits).numbits, 0u);
-}
-
-TEST_F(CBitStrTest, CombiningUsesOnlyTheOthersSignificantBits) {
+// The random sequences combine with other arrays; these are the cases they never make.
+TEST_F(CBitStrTest, CombiningWithItselfOrWithNothing) {
   ASN1CBitStr bits(*ctxt);
   EXPECT_EQ(bits.set(0, 16), 0);
-  const ASN1OCTET other[2] = {0xFF, 0xFF};  // only the first 3 bits of the count below count
-  EXPECT_EQ(bits.doXor(other, 3), 0);
-  EXPECT_FALSE(bits.get(0) || bits.get(1) || bits.get(2));
-  EXPECT_TRUE(bits.get(3) && bits.get(15));
-  EXPECT_EQ(bits.doXor(other, 0), 0);
-  EXPECT_EQ(bits.cardinality(), 13);
-  EXPECT_EQ(bits.doXor(nullptr, 8), ASN_E_INVPARAM);
-  EXPECT_EQ(bits.doOr(nullptr, 8), ASN_E_INVPARAM);
-  EXPECT_EQ(bits.doAndNot(other, 12), 0);
-  EXPECT_EQ(bits.cardinality(), 4);
-  EXPECT_EQ(bits.doAnd(other, 14), 0);
-  EXPECT_EQ(bits.cardinality(), 2);
-  EXPECT_EQ(bits.length(), 14u);
-  // With itself: "and" and "or" change nothing, "xor" and "and not" empty the string.
+  EXPECT_EQ(bits.clear(5), 0);
+  // With itself: "and" and "or" change nothing, "xor" empties the string.
   const ASN1OCTET* own = static_cast<ASN1TDynBitStr>(bits).data;
   EXPECT_EQ(bits.doAnd(own, 16), 0);
   EXPECT_EQ(bits.doOr(own, 16), 0);
-  EXPECT_EQ(bits.cardinality(), 2);
+  EXPECT_EQ(bits.cardinality(), 15);
   EXPECT_EQ(bits.doXor(own, 16), 0);
   EXPECT_EQ(bits.length(), 0u);
-  EXPECT_EQ(bits.set(4), 0);
-  EXPECT_EQ(bits.doAnd(other, 0), 0);
-  EXPECT_EQ(bits.length(), 0u);
-
-  ASN1OCTET array[1] = {0};
-  ASN1UINT numbits = 0;
-  ASN1CBitStr bounded(*ctxt, array, numbits, 8);
-  EXPECT_EQ(bounded.doOr(other, 9), ASN_E_INVLEN);
+  EXPECT_EQ(bits.doXor(nullptr, 8), ASN_E_INVPARAM);
+  EXPECT_EQ(bits.doOr(nullptr, 8), ASN_E_INVPARAM);
 }
 
 TEST_F(CBitStrTest, BytesAndRangesAreCopiedOutWithTheirSizeChecked) {
@@ -230,14 +190,10 @@ TEST_F(CBitStrTest, BytesAndRangesAreCopiedOutWithTheirSizeChecked) {
   EXPECT_EQ(bits.getBytes(out, 1), ASN_E_STROVFLW);
   EXPECT_EQ(out[0], 0xEE);
   EXPECT_EQ(bits.getBytes(out, 4), 0);
-  EXPECT_EQ(out[0], 0x40);
-  EXPECT_EQ(out[1], 0x70);
-  EXPECT_EQ(out[2], 0x00);
-  EXPECT_EQ(out[3], 0x00);
+  EXPECT_EQ(octets(out, 4), (Octets{0x40, 0x70, 0x00, 0x00}));
   ASN1OCTET range[2] = {0xEE, 0xEE};
   EXPECT_EQ(bits.get(1, 13, range, 2), 0);  // bits 1..12: 1, then 9..11
-  EXPECT_EQ(range[0], 0x80);
-  EXPECT_EQ(range[1], 0xE0);
+  EXPECT_EQ(octets(range, 2), (Octets{0x80, 0xE0}));
   EXPECT_EQ(bits.get(1, 18, range, 2), ASN_E_STROVFLW);
   EXPECT_EQ(bits.get(5, 4, range, 2), ASN_E_INVPARAM);
   EXPECT_EQ(bits.get(4, 4, nullptr, 0), 0);

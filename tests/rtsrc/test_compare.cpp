@@ -202,11 +202,7 @@ TEST(Compare, ObjectIdentifiersCompareOnlyTheArcsInUse) {
             "alg: <invalid object identifier> != <invalid object identifier>\n"
             "alg: 1.2.840.113549 != <null>\n");
 
-  ASN1OID64 x{}, y{};
-  x.numids = y.numids = 2;
-  x.subid[0] = y.subid[0] = 2;
-  x.subid[1] = 1ULL << 33;
-  y.subid[1] = 1;
+  const ASN1OID64 x = {2, {2, 1ULL << 33}}, y = {2, {2, 1}};
   EXPECT_TRUE(rtCmpOID64("o", &x, &x, r.buf(), r.size()));
   EXPECT_FALSE(rtCmpOID64("o", &x, &y, r.buf(), r.size()));
   EXPECT_EQ(r.take(), "o: 2.8589934592 != 2.1\n");

@@ -45,15 +45,13 @@ ASN1OBJID makeOid(std::initializer_list<ASN1UINT> arcs) {
   return oid;
 }
 
-// What a file sink receives, read back through a memory stream.
-template <typename Print>
-std::string printedToFile(Print print) {
+// What write puts in a file, read back through a memory stream.
+template <typename Write>
+std::string writtenToFile(Write write) {
   char* text = nullptr;
   size_t len = 0;
   FILE* fp = open_memstream(&text, &len);
-  ASN1PrintSink sink;
-  rtPrintSinkInitFile(&sink, fp);
-  EXPECT_EQ(print(&sink), 0);
+  write(fp);
   fclose(fp);
   std::string out(text, len);
   free(text);
@@ -61,14 +59,7 @@ std::string printedToFile(Print print) {
 }
 
 std::string hexDumpToFile(const ASN1OCTET* data, ASN1UINT n) {
-  char* text = nullptr;
-  size_t len = 0;
-  FILE* fp = open_memstream(&text, &len);
-  rtHexDumpToFile(fp, data, n);
-  fclose(fp);
-  std::string out(text, len);
-  free(text);
-  return out;
+  return writtenToFile([&](FILE* fp) { rtHexDumpToFile(fp, data, n); });
 }
 
 }  // namespace
@@ -241,11 +232,7 @@ TEST(Print, ObjectIdentifiersDotted) {
   Printed p;
   const ASN1OBJID rsa = makeOid({1, 2, 840, 113549, 1, 1, 11});
   rtPrintOID(p.sink(), 0, "algorithm", &rsa);
-  ASN1OID64 big{};
-  big.numids = 3;
-  big.subid[0] = 2;
-  big.subid[1] = 999;
-  big.subid[2] = 1ULL << 40;
+  const ASN1OID64 big = {3, {2, 999, 1ULL << 40}};
   rtPrintOID64(p.sink(), 0, "oid64", &big);
   rtPrintOID(p.sink(), 0, "absent", nullptr);
   EXPECT_EQ(p.text(),
@@ -390,7 +377,12 @@ TEST(Print, FileAndStandardOutputReceiveTheStringSinksText) {
             "  b = '1'B\n"
             "  s = \"x\\u0009y\"\n"
             "}\n");
-  EXPECT_EQ(printedToFile(printAll), p.text());
+  EXPECT_EQ(writtenToFile([&](FILE* fp) {
+              ASN1PrintSink sink;
+              rtPrintSinkInitFile(&sink, fp);
+              EXPECT_EQ(printAll(&sink), 0);
+            }),
+            p.text());
   CaptureStdout();
   const int stat = printAll(nullptr);
   EXPECT_EQ(GetCapturedStdout(), p.text());

@@ -20,34 +20,8 @@ class UTF8Test : public ::testing::Test {
   TestContext ctxt;
 };
 
-TEST_F(UTF8Test, CharacterSizesChangeAtTheRangeBoundaries) {
-  struct Case {
-    ASN1UINT wc;
-    int size;
-    std::string utf8;
-  } cases[] = {
-      {0x00, 1, std::string(1, '\0')},
-      {0x7F, 1, "\x7F"},
-      {0x80, 2, "\xC2\x80"},
-      {0x7FF, 2, "\xDF\xBF"},
-      {0x800, 3, "\xE0\xA0\x80"},
-      {0xD7FF, 3, "\xED\x9F\xBF"},
-      {0xE000, 3, "\xEE\x80\x80"},
-      {0xFFFF, 3, "\xEF\xBF\xBF"},
-      {0x10000, 4, "\xF0\x90\x80\x80"},
-      {0x10FFFF, 4, "\xF4\x8F\xBF\xBF"},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(rtUTF8CharSize(c.wc), c.size) << std::hex << c.wc;
-    ASN1OCTET buf[ASN_K_UTF8MAXCHARSIZE] = {};
-    ASSERT_EQ(rtUTF8EncodeChar(c.wc, buf), c.size) << std::hex << c.wc;
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(buf), c.size), c.utf8) << std::hex << c.wc;
-
-    size_t index = 0;
-    EXPECT_EQ(rtUTF8DecodeChar(ctxt.get(), c.utf8.data(), c.utf8.size(), &index),
-              static_cast<int>(c.wc));
-    EXPECT_EQ(index, c.utf8.size());
-  }
+// Every scalar value is sized and encoded in the comparison with iconv below; these are not.
+TEST_F(UTF8Test, NonCharactersHaveNoEncoding) {
   for (ASN1UINT bad : {0xD800u, 0xDFFFu, 0x110000u, 0xFFFFFFFFu}) {
     ASN1OCTET buf[ASN_K_UTF8MAXCHARSIZE] = {0x55, 0x55, 0x55, 0x55};
     EXPECT_EQ(rtUTF8CharSize(bad), 0) << std::hex << bad;
@@ -58,8 +32,6 @@ TEST_F(UTF8Test, CharacterSizesChangeAtTheRangeBoundaries) {
 
 TEST_F(UTF8Test, LengthCountsCharactersNotBytes) {
   EXPECT_EQ(rtUTF8Len(ctxt.get(), ""), 0);
-  EXPECT_EQ(rtUTF8Len(ctxt.get(), "plain"), 5);
-  EXPECT_EQ(rtUTF8Len(ctxt.get(), "Gr\xC3\xBC\xC3\x9F" "e \xE2\x82\xAC \xF0\x9F\x94\x92"), 9);
   // The counted form reads exactly nbytes: a NUL inside is a character, the rest is not read.
   EXPECT_EQ(rtUTF8LenN(ctxt.get(), "a\0b", 3), 3);
   EXPECT_EQ(rtUTF8LenN(ctxt.get(), "\xC3\xBC\xC3\xBC", 2), 1);

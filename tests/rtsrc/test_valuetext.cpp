@@ -13,10 +13,13 @@
 #include <string.h>
 
 #include <string>
+#include <vector>
 
 #include "test_context.h"
 
 namespace {
+
+using Bytes = std::vector<ASN1OCTET>;
 
 class ValueTextTest : public ::testing::Test {
  protected:
@@ -67,10 +70,7 @@ TEST_F(ValueTextTest, NumberBufferMustHoldTheNul) {
 }
 
 TEST_F(ValueTextTest, ObjectIdentifiersAsDottedText) {
-  ASN1OBJID oid{};
-  const ASN1UINT arcs[] = {1, 2, 840, 113549, 1, 1, 11};
-  oid.numids = 7;
-  memcpy(oid.subid, arcs, sizeof arcs);
+  ASN1OBJID oid = {7, {1, 2, 840, 113549, 1, 1, 11}};
   char buf[64];
   EXPECT_EQ(rtOidToStr(ctxt.get(), &oid, buf, sizeof buf), 21);
   EXPECT_STREQ(buf, "1.2.840.113549.1.1.11");
@@ -87,11 +87,7 @@ TEST_F(ValueTextTest, ObjectIdentifiersAsDottedText) {
   EXPECT_EQ(rtOidToStr(ctxt.get(), &oid, buf, sizeof buf), 12);
   EXPECT_STREQ(buf, "0.4294967295");
 
-  ASN1OID64 oid64{};
-  oid64.numids = 3;
-  oid64.subid[0] = 2;
-  oid64.subid[1] = 999;
-  oid64.subid[2] = UINT64_MAX;
+  const ASN1OID64 oid64 = {3, {2, 999, UINT64_MAX}};
   EXPECT_EQ(rtOid64ToStr(ctxt.get(), &oid64, buf, sizeof buf), 26);
   EXPECT_STREQ(buf, "2.999.18446744073709551615");
 
@@ -109,9 +105,8 @@ TEST(BitOps, BitsAreNumberedFromTheMostSignificantBitOfTheFirstByte) {
   EXPECT_EQ(rtSetBit(bits, 20, 0), 0);
   EXPECT_EQ(rtSetBit(bits, 20, 9), 0);
   EXPECT_EQ(rtSetBit(bits, 20, 19), 0);
-  EXPECT_EQ(bits[0], 0x80);
-  EXPECT_EQ(bits[1], 0x40);
-  EXPECT_EQ(bits[2], 0x10);
+  const Bytes set = {0x80, 0x40, 0x10};
+  EXPECT_EQ(Bytes(bits, bits + 3), set);
 
   EXPECT_EQ(rtTestBit(bits, 20, 9), 1);
   EXPECT_EQ(rtTestBit(bits, 20, 8), 0);
@@ -119,13 +114,11 @@ TEST(BitOps, BitsAreNumberedFromTheMostSignificantBitOfTheFirstByte) {
 
   // Setting a set bit reports it and changes nothing.
   EXPECT_EQ(rtSetBit(bits, 20, 9), 1);
-  EXPECT_EQ(bits[1], 0x40);
+  EXPECT_EQ(Bytes(bits, bits + 3), set);
 
   EXPECT_EQ(rtClearBit(bits, 20, 9), 1);
-  EXPECT_EQ(bits[1], 0x00);
   EXPECT_EQ(rtClearBit(bits, 20, 9), 0);
-  EXPECT_EQ(bits[0], 0x80);
-  EXPECT_EQ(bits[2], 0x10);
+  EXPECT_EQ(Bytes(bits, bits + 3), (Bytes{0x80, 0x00, 0x10}));
 }
 
 TEST(BitOps, BitsOutsideTheArrayAreNeverTouched) {
@@ -138,9 +131,7 @@ TEST(BitOps, BitsOutsideTheArrayAreNeverTouched) {
   EXPECT_EQ(rtTestBit(bits, 12, 16), 0);
   EXPECT_EQ(rtTestBit(bits, 12, -8), 0);
   EXPECT_EQ(rtSetBit(bits, 0, 0), ASN_E_OUTOFBND);
-  EXPECT_EQ(bits[0], 0xFF);
-  EXPECT_EQ(bits[1], 0x00);
-  EXPECT_EQ(bits[2], 0xAA);
+  EXPECT_EQ(Bytes(bits, bits + 3), (Bytes{0xFF, 0x00, 0xAA}));
 
   EXPECT_EQ(rtSetBit(bits, 12, 11), 0);
   EXPECT_EQ(bits[1], 0x10);

@@ -3,9 +3,13 @@
 #include <quillon/asn1XerDec.h>
 #include <quillon/rtReal.h>
 
+#include <string.h>
+
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "xer_decode_harness.h"
 
@@ -22,84 +26,69 @@ int decode(int (*dec)(ASN1CTXT*, T*), const std::string& text, T& out, std::stri
   return stat;
 }
 
-TEST(XerDecBool, IdentifiersAndSchemaLiterals) {
-  ASN1BOOL b = 9;
-  EXPECT_EQ(0, decode(xerDecBool, "  true", b));
-  EXPECT_EQ(1, b);
-  EXPECT_EQ(0, decode(xerDecBool, "\n\tfalse", b));
-  EXPECT_EQ(0, b);
-  std::string module;
-  for (const char* bad : {"true ", "True", "1", "", "tru", "falsey"}) {
-    EXPECT_EQ(ASN_E_BADVALUE, decode(xerDecBool, bad, b, &module)) << bad;
+// Each text decodes to its value, compared bit for bit (minus zero is not zero).
+template <typename T>
+void expectValues(int (*dec)(ASN1CTXT*, T*), std::vector<std::pair<std::string, T>> cases) {
+  for (const auto& c : cases) {
+    T out = static_cast<T>(7);
+    EXPECT_EQ(0, decode(dec, c.first, out)) << "\"" << c.first << "\"";
+    EXPECT_EQ(0, memcmp(&c.second, &out, sizeof out)) << "\"" << c.first << "\" gave " << +out;
   }
-  EXPECT_EQ("rtxersrc/xerDecBool", module);
-  EXPECT_EQ(0, decode(xmlDecBool, "1", b));
-  EXPECT_EQ(1, b);
-  EXPECT_EQ(0, decode(xmlDecBool, " 0", b));
-  EXPECT_EQ(0, b);
-  EXPECT_EQ(0, decode(xmlDecBool, "true", b));
-  EXPECT_EQ(1, b);
-  EXPECT_EQ(ASN_E_BADVALUE, decode(xmlDecBool, "2", b));
-  EXPECT_EQ(ASN_E_BADVALUE, decode(xmlDecBool, "01", b));
+}
+
+// Each text is refused with stat, recorded by module when one is given.
+template <typename T>
+void expectRefusals(int (*dec)(ASN1CTXT*, T*), int stat, std::vector<std::string> texts,
+                    const std::string& module = "") {
+  for (const std::string& text : texts) {
+    T out{};
+    std::string recorded;
+    EXPECT_EQ(stat, decode(dec, text, out, &recorded)) << "\"" << text << "\"";
+    if (!module.empty()) {
+      EXPECT_EQ(module, recorded) << "\"" << text << "\"";
+    }
+  }
+}
+
+TEST(XerDecBool, IdentifiersAndSchemaLiterals) {
+  expectValues<ASN1BOOL>(xerDecBool, {{"  true", 1}, {"\n\tfalse", 0}});
+  expectRefusals<ASN1BOOL>(xerDecBool, ASN_E_BADVALUE, {"true ", "True", "1", "", "tru", "falsey"},
+                           "rtxersrc/xerDecBool");
+  expectValues<ASN1BOOL>(xmlDecBool, {{"1", 1}, {" 0", 0}, {"true", 1}});
+  expectRefusals<ASN1BOOL>(xmlDecBool, ASN_E_BADVALUE, {"2", "01"});
 }
 
 TEST(XerDecInt, SignsBlanksAndLimits) {
-  ASN1INT v = 5;
-  std::string module;
-  EXPECT_EQ(0, decode(xerDecInt, "", v));
-  EXPECT_EQ(0, v);
-  EXPECT_EQ(0, decode(xerDecInt, "   ", v));
-  EXPECT_EQ(0, decode(xerDecInt, "-", v));
-  EXPECT_EQ(0, v);
-  EXPECT_EQ(0, decode(xerDecInt, " \n-042", v));
-  EXPECT_EQ(-42, v);
-  EXPECT_EQ(0, decode(xerDecInt, "2147483647", v));
-  EXPECT_EQ(INT32_MAX, v);
-  EXPECT_EQ(0, decode(xerDecInt, "-2147483648", v)) << "the writer's text of the minimum";
-  EXPECT_EQ(INT32_MIN, v);
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecInt, "2147483648", v, &module));
-  EXPECT_EQ("rtxersrc/xerDecInt", module);
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecInt, "-2147483649", v));
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecInt, "99999999999999999999999", v));
+  // An empty text, blanks or a lone sign are 0; the writer's text of the minimum reads back.
+  expectValues<ASN1INT>(xerDecInt, {{"", 0}, {"   ", 0}, {"-", 0}, {" \n-042", -42},
+                                    {"2147483647", INT32_MAX}, {"-2147483648", INT32_MIN}});
+  expectRefusals<ASN1INT>(xerDecInt, ASN_E_TOOBIG,
+                          {"2147483648", "-2147483649", "99999999999999999999999"},
+                          "rtxersrc/xerDecInt");
   for (const char* bad : {"+5", "5 ", "1-2", "- 5", "0x10", "1e3", "--1"}) {
-    v = 5;
+    ASN1INT v = 5;
     EXPECT_EQ(ASN_E_INVCHAR, decode(xerDecInt, bad, v)) << bad;
     EXPECT_EQ(0, v) << "set to 0 first";
   }
 }
 
 TEST(XerDecInt, NarrowUnsignedAnd64BitForms) {
-  ASN1INT8 i8 = 0;
-  EXPECT_EQ(0, decode(xerDecInt8, "-128", i8));
-  EXPECT_EQ(-128, i8);
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecInt8, "128", i8));
-  EXPECT_EQ(ASN_E_INVCHAR, decode(xerDecInt8, "1a", i8));
-  ASN1SINT i16 = 0;
-  EXPECT_EQ(0, decode(xerDecInt16, "32767", i16));
-  EXPECT_EQ(32767, i16);
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecInt16, "-32769", i16));
-
-  ASN1UINT u = 0;
-  EXPECT_EQ(0, decode(xerDecUInt, "4294967295", u));
-  EXPECT_EQ(UINT32_MAX, u);
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecUInt, "4294967296", u));
-  EXPECT_EQ(ASN_E_INVCHAR, decode(xerDecUInt, "-1", u));
-  ASN1UINT8 u8 = 0;
-  EXPECT_EQ(0, decode(xerDecUInt8, "255", u8));
-  EXPECT_EQ(255, u8);
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecUInt8, "256", u8));
-  ASN1USINT u16 = 0;
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecUInt16, "65536", u16));
-
-  ASN1INT64 i64 = 0;
-  EXPECT_EQ(0, decode(xerDecInt64, "-9223372036854775808", i64));
-  EXPECT_EQ(INT64_MIN, i64);
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecInt64, "9223372036854775808", i64));
-  ASN1UINT64 u64 = 0;
-  EXPECT_EQ(0, decode(xerDecUInt64, "18446744073709551615", u64));
-  EXPECT_EQ(UINT64_MAX, u64);
-  EXPECT_EQ(ASN_E_TOOBIG, decode(xerDecUInt64, "18446744073709551616", u64));
-  EXPECT_EQ(ASN_E_INVCHAR, decode(xerDecUInt64, "1 ", u64));
+  expectValues<ASN1INT8>(xerDecInt8, {{"-128", -128}});
+  expectRefusals<ASN1INT8>(xerDecInt8, ASN_E_TOOBIG, {"128"});
+  expectRefusals<ASN1INT8>(xerDecInt8, ASN_E_INVCHAR, {"1a"});
+  expectValues<ASN1SINT>(xerDecInt16, {{"32767", 32767}});
+  expectRefusals<ASN1SINT>(xerDecInt16, ASN_E_TOOBIG, {"-32769"});
+  expectValues<ASN1UINT>(xerDecUInt, {{"4294967295", UINT32_MAX}});
+  expectRefusals<ASN1UINT>(xerDecUInt, ASN_E_TOOBIG, {"4294967296"});
+  expectRefusals<ASN1UINT>(xerDecUInt, ASN_E_INVCHAR, {"-1"});
+  expectValues<ASN1UINT8>(xerDecUInt8, {{"255", 255}});
+  expectRefusals<ASN1UINT8>(xerDecUInt8, ASN_E_TOOBIG, {"256"});
+  expectRefusals<ASN1USINT>(xerDecUInt16, ASN_E_TOOBIG, {"65536"});
+  expectValues<ASN1INT64>(xerDecInt64, {{"-9223372036854775808", INT64_MIN}});
+  expectRefusals<ASN1INT64>(xerDecInt64, ASN_E_TOOBIG, {"9223372036854775808"});
+  expectValues<ASN1UINT64>(xerDecUInt64, {{"18446744073709551615", UINT64_MAX}});
+  expectRefusals<ASN1UINT64>(xerDecUInt64, ASN_E_TOOBIG, {"18446744073709551616"});
+  expectRefusals<ASN1UINT64>(xerDecUInt64, ASN_E_INVCHAR, {"1 "});
 }
 
 // The heap text a decoder makes of input, or "status N".
@@ -121,53 +110,29 @@ TEST(XerDecBigInt, NormalisesLikeTheWriter) {
 }
 
 TEST(XerDecReal, DecimalFormsAndInfinities) {
-  ASN1REAL r = 0;
-  std::string module;
-  EXPECT_EQ(0, decode(xerDecReal, " PLUS-INFINITY", r));
-  EXPECT_TRUE(rtIsPlusInfinity(r));
-  EXPECT_EQ(0, decode(xerDecReal, "MINUS-INFINITY", r));
-  EXPECT_TRUE(rtIsMinusInfinity(r));
-  EXPECT_EQ(0, decode(xerDecReal, "1.0E+0", r));
-  EXPECT_EQ(1.0, r);
-  EXPECT_EQ(0, decode(xerDecReal, "5.0E-1\n", r));
-  EXPECT_EQ(0.5, r);
-  EXPECT_EQ(0, decode(xerDecReal, "-12.5e2", r));
-  EXPECT_EQ(-1250.0, r);
-  EXPECT_EQ(0, decode(xerDecReal, ".5", r));
-  EXPECT_EQ(0.5, r);
-  EXPECT_EQ(0, decode(xerDecReal, "7.", r));
-  EXPECT_EQ(7.0, r);
-  EXPECT_EQ(0, decode(xerDecReal, "-0", r));
-  EXPECT_TRUE(rtIsMinusZero(r));
   // Correctly rounded: the twenty digits of 123.45 give 123.45 exactly.
-  EXPECT_EQ(0, decode(xerDecReal, "1.23450000000000002842E+2", r));
-  EXPECT_EQ(123.45, r);
-  EXPECT_EQ(0, decode(xerDecReal, "4.94065645841246544177E-324", r));
-  EXPECT_EQ(std::numeric_limits<double>::denorm_min(), r);
-  for (const char* bad : {"", "PLUS-INFINITY ", "INF", "+1.0", "1.0E", "1.0E+", ".", "-.",
-                          "1..0", "1.0E+0x", "NaN", "1E999", "1,5", "- 1"}) {
-    EXPECT_EQ(ASN_E_INVREAL, decode(xerDecReal, bad, r, &module)) << bad;
-  }
-  EXPECT_EQ("rtxersrc/xerDecReal", module);
+  expectValues<ASN1REAL>(xerDecReal, {{" PLUS-INFINITY", rtGetPlusInfinity()},
+                                      {"MINUS-INFINITY", rtGetMinusInfinity()},
+                                      {"1.0E+0", 1.0}, {"5.0E-1\n", 0.5}, {"-12.5e2", -1250.0},
+                                      {".5", 0.5}, {"7.", 7.0}, {"-0", rtGetMinusZero()},
+                                      {"1.23450000000000002842E+2", 123.45},
+                                      {"4.94065645841246544177E-324",
+                                       std::numeric_limits<double>::denorm_min()}});
+  expectRefusals<ASN1REAL>(xerDecReal, ASN_E_INVREAL,
+                           {"", "PLUS-INFINITY ", "INF", "+1.0", "1.0E", "1.0E+", ".", "-.",
+                            "1..0", "1.0E+0x", "NaN", "1E999", "1,5", "- 1"},
+                           "rtxersrc/xerDecReal");
 }
 
 TEST(XerDecReal, SchemaForms) {
+  expectValues<ASN1REAL>(xmlDecReal, {{" INF ", rtGetPlusInfinity()}, {"+INF", rtGetPlusInfinity()},
+                                      {"-INF", rtGetMinusInfinity()}, {"+1.5E0", 1.5},
+                                      {"-0", rtGetMinusZero()}});
   ASN1REAL r = 0;
-  EXPECT_EQ(0, decode(xmlDecReal, " INF ", r));
-  EXPECT_TRUE(rtIsPlusInfinity(r));
-  EXPECT_EQ(0, decode(xmlDecReal, "+INF", r));
-  EXPECT_TRUE(rtIsPlusInfinity(r));
-  EXPECT_EQ(0, decode(xmlDecReal, "-INF", r));
-  EXPECT_TRUE(rtIsMinusInfinity(r));
   EXPECT_EQ(0, decode(xmlDecReal, "NaN", r));
   EXPECT_TRUE(rtIsNaN(r));
-  EXPECT_EQ(0, decode(xmlDecReal, "+1.5E0", r));
-  EXPECT_EQ(1.5, r);
-  EXPECT_EQ(0, decode(xmlDecReal, "-0", r));
-  EXPECT_TRUE(rtIsMinusZero(r));
-  for (const char* bad : {"inf", "nan", "+-1", "-+1", "PLUS-INFINITY", "1.0 E0"}) {
-    EXPECT_EQ(ASN_E_INVREAL, decode(xmlDecReal, bad, r)) << bad;
-  }
+  expectRefusals<ASN1REAL>(xmlDecReal, ASN_E_INVREAL,
+                           {"inf", "nan", "+-1", "-+1", "PLUS-INFINITY", "1.0 E0"});
 }
 
 TEST(XerDecObjId, ArcsAndIdentifierRules) {

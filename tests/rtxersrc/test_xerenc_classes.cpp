@@ -41,6 +41,17 @@ std::string messageOf(ASN1XEREncodeBuffer& buf) {
   return std::string((const char*)buf.getMsgPtr(), (size_t)buf.getMsgLen());
 }
 
+// The status of the E that f throws; 0 when it throws nothing.
+template <typename E, typename F>
+int thrown(F f) {
+  try {
+    f();
+  } catch (const E& e) {
+    return e.getStatus();
+  }
+  return 0;
+}
+
 std::string tempPath(const char* tag) {
   return "/tmp/qn_xerenc_" + std::to_string(getpid()) + "_" + tag + ".xml";
 }
@@ -100,12 +111,13 @@ TEST(XerEncodeBuffer, CanonicalFragmentAndStaticVariants) {
   ASN1OCTET small[16];
   ASN1XEREncodeBuffer tight(small, sizeof small);
   EXPECT_FALSE(tight.getCtxtPtr()->flags & (ASN1XMLFRAG | ASN1CANXER));
-  try {
-    tight << hello;
-    ADD_FAILURE() << "no exception";
-  } catch (ASN1RTLException& e) {
-    EXPECT_EQ(e.getStatus(), ASN_E_BUFOVFLW);
-  }
+  EXPECT_EQ(thrown<ASN1RTLException>([&] { tight << hello; }), ASN_E_BUFOVFLW);
+
+  // Buffers that cannot be set up.
+  EXPECT_EQ(thrown<ASN1MessageBuffer::RTLError>([&] { ASN1XEREncodeBuffer bad(mem, -1); }),
+            ASN_E_INVPARAM);
+  EXPECT_EQ(thrown<ASN1MessageBuffer::RTLError>([] { ASN1XEREncodeBuffer bad(0, nullptr, -5); }),
+            ASN_E_INVPARAM);
 }
 
 TEST(XerEncodeBuffer, SharesAnotherContextsMessageHeap) {
@@ -130,22 +142,6 @@ TEST(XerEncodeBuffer, SharesAnotherContextsMessageHeap) {
 
   ASN1XEREncodeBuffer ownHeap(1, nullptr, 0);
   EXPECT_EQ(ownHeap.getCtxtPtr()->msgMemHeap, ownHeap.getCtxtPtr()->memHeap);
-}
-
-TEST(XerEncodeBuffer, ConstructionFailuresThrow) {
-  ASN1OCTET mem[8];
-  try {
-    ASN1XEREncodeBuffer bad(mem, -1);
-    ADD_FAILURE() << "no exception";
-  } catch (ASN1MessageBuffer::RTLError& e) {
-    EXPECT_EQ(e.getStatus(), ASN_E_INVPARAM);
-  }
-  try {
-    ASN1XEREncodeBuffer bad(0, nullptr, -5);
-    ADD_FAILURE() << "no exception";
-  } catch (ASN1MessageBuffer::RTLError& e) {
-    EXPECT_EQ(e.getStatus(), ASN_E_INVPARAM);
-  }
 }
 
 TEST(XerEncodeBuffer, WritesTheMessageToFiles) {
@@ -185,15 +181,8 @@ TEST(XerOutputStream, MembersWriteEachKind) {
   EXPECT_FALSE(out.isA(ASN1MessageBufferIF::BEREncode));
   ASN1CTXT* c = out.getCtxtPtr();
   static const ASN1OCTET octets[] = {0xCA, 0xFE};
-  ASN1OBJID oid{};
-  oid.numids = 3;
-  oid.subid[0] = 1;
-  oid.subid[1] = 3;
-  oid.subid[2] = 6;
-  ASN1OID64 oid64{};
-  oid64.numids = 2;
-  oid64.subid[0] = 2;
-  oid64.subid[1] = 5;
+  const ASN1OBJID oid = {3, {1, 3, 6}};
+  const ASN1OID64 oid64 = {2, {2, 5}};
   ASN1USINT bmp[] = {'b'};
   ASN1UINT ucs[] = {'u'};
 
@@ -247,16 +236,8 @@ TEST(XerOutputStream, MembersWriteEachKind) {
 
 TEST(XerOutputStream, FailuresThrowWithTheirStatus) {
   MemoryXerStream out;
-  ASN1OBJID bad{};
-  bad.numids = 1;
-  auto statusOf = [](auto write) {
-    try {
-      write();
-    } catch (OSCStreamException& e) {
-      return e.getStatus();
-    }
-    return 0;
-  };
+  const ASN1OBJID bad = {1, {0}};
+  auto statusOf = [](auto write) { return thrown<OSCStreamException>(write); };
   EXPECT_EQ(statusOf([&] { out.encodeObjId(bad, "oid"); }), ASN_E_INVOBJID);
   EXPECT_EQ(statusOf([&] { out.encodeCharStr("text", nullptr); }), ASN_E_INVPARAM);
   EXPECT_EQ(statusOf([&] { out.encodeBigInt("1.5"); }), ASN_E_BADVALUE);
@@ -285,12 +266,7 @@ TEST(XerOutputStream, ControlClassesEncodeThroughTheStream) {
 
   // A failing control class: its status travels in the exception.
   Greeting nameless("x", nullptr);
-  try {
-    out.encodeObj(nameless);
-    ADD_FAILURE() << "no exception";
-  } catch (OSCStreamException& e) {
-    EXPECT_EQ(e.getStatus(), ASN_E_INVPARAM);
-  }
+  EXPECT_EQ(thrown<OSCStreamException>([&] { out.encodeObj(nameless); }), ASN_E_INVPARAM);
 }
 
 TEST(XerFileOutputStream, WritesFilesByNameAndByHandle) {
@@ -322,12 +298,8 @@ TEST(XerFileOutputStream, WritesFilesByNameAndByHandle) {
   EXPECT_EQ(fileText(path), kDecl + "\n<Greeting>by handle</Greeting>!");
   unlink(path.c_str());
 
-  try {
-    ASN1XERFileOutputStream bad("/nonexistent-dir/out.xml");
-    ADD_FAILURE() << "no exception";
-  } catch (OSCStreamException& e) {
-    EXPECT_EQ(e.getStatus(), ASN_E_FILNOTFOU);
-  }
+  EXPECT_EQ(thrown<OSCStreamException>([] { ASN1XERFileOutputStream bad("/nonexistent-dir/x"); }),
+            ASN_E_FILNOTFOU);
 }
 
 }  // namespace

@@ -95,19 +95,13 @@ TEST(XerEncValues, BigIntegerTexts) {
   auto big = [&](const char* text) {
     return out.written([text](ASN1CTXT* c) { return xerEncBigInt(c, text, "v"); });
   };
-  EXPECT_EQ(big("123456789012345678901234567890"), "\n<v>123456789012345678901234567890</v>");
-  EXPECT_EQ(big("-000123"), "\n<v>-123</v>");
-  // Zero loses every digit, deliberately; so does an empty text.
-  EXPECT_EQ(big("0"), "\n<v></v>");
-  EXPECT_EQ(big("-0"), "\n<v></v>");
-  EXPECT_EQ(big("000"), "\n<v></v>");
-  EXPECT_EQ(big(""), "\n<v></v>");
-  // Other radixes are converted to decimal.
-  EXPECT_EQ(big("0xFF"), "\n<v>255</v>");
-  EXPECT_EQ(big("0b1010"), "\n<v>10</v>");
-  EXPECT_EQ(big("0o777"), "\n<v>511</v>");
-  EXPECT_EQ(big("-0x10"), "\n<v>-16</v>");
-  EXPECT_EQ(big("0x00"), "\n<v></v>");
+  // Zero loses every digit, deliberately, and so does an empty text; other radixes are
+  // converted to decimal.
+  const char* cases[][2] = {{"123456789012345678901234567890", "123456789012345678901234567890"},
+                            {"-000123", "-123"}, {"0", ""}, {"-0", ""}, {"000", ""}, {"", ""},
+                            {"0xFF", "255"}, {"0b1010", "10"}, {"0o777", "511"},
+                            {"-0x10", "-16"}, {"0x00", ""}};
+  for (const auto& c : cases) EXPECT_EQ(big(c[0]), "\n<v>" + std::string(c[1]) + "</v>") << c[0];
   const std::string pow256 = "0x1" + std::string(64, '0');
   EXPECT_EQ(big(pow256.c_str()),
             "\n<v>115792089237316195423570985008687907853269984665640564039457584007913129639936"
@@ -151,29 +145,21 @@ TEST(XerEncValues, RealForms) {
   const double inf = std::numeric_limits<double>::infinity();
   const double nan = std::numeric_limits<double>::quiet_NaN();
 
-  EXPECT_EQ(xer(123.45), "1.23450000000000002842E+2");
-  EXPECT_EQ(xer(1.0), "1.0E+0");
-  EXPECT_EQ(xer(0.5), "5.0E-1");
-  EXPECT_EQ(xer(0.001), "1.00000000000000002082E-3");
-  EXPECT_EQ(xer(-2.5), "-2.5E+0");
-  EXPECT_EQ(xer(1e300), "1.0000000000000000525E+300");  // printed ...5250E+300
-  EXPECT_EQ(xer(0.0), "0");
-  EXPECT_EQ(xer(-0.0), "0");
-  EXPECT_EQ(xer(nan), "0");  // no basic-rules text for NaN: written as zero, deliberately
-  EXPECT_EQ(xer(inf), "<PLUS-INFINITY/>");
-  EXPECT_EQ(xer(-inf), "<MINUS-INFINITY/>");
+  // 1e300 is printed ...5250E+300 with its trailing zero dropped. The basic rules have no
+  // text for NaN or minus zero: both are written as zero, deliberately.
+  const std::pair<double, const char*> xerCases[] = {
+      {123.45, "1.23450000000000002842E+2"}, {1.0, "1.0E+0"}, {0.5, "5.0E-1"},
+      {0.001, "1.00000000000000002082E-3"}, {-2.5, "-2.5E+0"},
+      {1e300, "1.0000000000000000525E+300"}, {0.0, "0"}, {-0.0, "0"}, {nan, "0"},
+      {inf, "<PLUS-INFINITY/>"}, {-inf, "<MINUS-INFINITY/>"}};
+  for (const auto& c : xerCases) EXPECT_EQ(xer(c.first), c.second) << c.first;
   EXPECT_EQ(out.written([](ASN1CTXT* c) { return xerEncReal(c, 2.0, nullptr); }),
             "\n<REAL>2.0E+0</REAL>");
-
-  EXPECT_EQ(xml(1.0), "1.0E0");
-  EXPECT_EQ(xml(0.5), "5.0E-1");
-  EXPECT_EQ(xml(123.45), "1.23450000000000002842E2");
-  EXPECT_EQ(xml(-1e-300), "-1.00000000000000002506E-300");
-  EXPECT_EQ(xml(0.0), "0");
-  EXPECT_EQ(xml(-0.0), "-0");
-  EXPECT_EQ(xml(inf), "INF");
-  EXPECT_EQ(xml(-inf), "-INF");
-  EXPECT_EQ(xml(nan), "NaN");
+  const std::pair<double, const char*> xmlCases[] = {
+      {1.0, "1.0E0"}, {0.5, "5.0E-1"}, {123.45, "1.23450000000000002842E2"},
+      {-1e-300, "-1.00000000000000002506E-300"}, {0.0, "0"}, {-0.0, "-0"}, {inf, "INF"},
+      {-inf, "-INF"}, {nan, "NaN"}};
+  for (const auto& c : xmlCases) EXPECT_EQ(xml(c.first), c.second) << c.first;
 }
 
 TEST(XerEncValues, RealTextReadsBackExactly) {
@@ -324,11 +310,7 @@ TEST(XerEncValues, ObjectIdentifiers) {
   tooLong.numids = ASN_K_MAXSUBIDS + 1;
   EXPECT_EQ(xerEncObjId(out.ctxt(), &tooLong, nullptr), ASN_E_INVOBJID);
 
-  ASN1OID64 wide{};
-  wide.numids = 3;
-  wide.subid[0] = 2;
-  wide.subid[1] = 999;
-  wide.subid[2] = 0xFFFFFFFFFFull;
+  ASN1OID64 wide = {3, {2, 999, 0xFFFFFFFFFFull}};
   EXPECT_EQ(out.written([&](ASN1CTXT* c) { return xerEncObjId64(c, &wide, "o"); }),
             "\n<o>2.999.1099511627775</o>");
   wide.subid[0] = 1;
@@ -338,10 +320,7 @@ TEST(XerEncValues, ObjectIdentifiers) {
   ASN1OBJID rel{};
   EXPECT_EQ(out.written([&](ASN1CTXT* c) { return xerEncRelativeOID(c, &rel, nullptr); }),
             "\n<RELATIVE_OID></RELATIVE_OID>");
-  rel.numids = 3;
-  rel.subid[0] = 99;
-  rel.subid[1] = 0;
-  rel.subid[2] = 3000000000u;
+  rel = {3, {99, 0, 3000000000u}};
   EXPECT_EQ(out.written([&](ASN1CTXT* c) { return xerEncRelativeOID(c, &rel, "r"); }),
             "\n<r>99.0.3000000000</r>");
   rel.numids = ASN_K_MAXSUBIDS + 1;
@@ -377,21 +356,14 @@ TEST(XerEncValues, WideCharactersAsUtf8) {
   auto ch = [&](ASN1UINT c) {
     return out.written([c](ASN1CTXT* ctxt) { return xerEncChar(ctxt, c); });
   };
-  EXPECT_EQ(ch('A'), "A");
-  EXPECT_EQ(ch('<'), "&lt;");
-  EXPECT_EQ(ch('\t'), "\\t");
-  EXPECT_EQ(ch(0x7F), "\x7F");
-  EXPECT_EQ(ch(0x80), "\xC2\x80");
-  EXPECT_EQ(ch(0x7FF), "\xDF\xBF");
-  EXPECT_EQ(ch(0x800), "\xE0\xA0\x80");
-  EXPECT_EQ(ch(0xFFFF), "\xEF\xBF\xBF");
-  EXPECT_EQ(ch(0x10000), "\xF0\x90\x80\x80");
-  EXPECT_EQ(ch(0x1FFFFF), "\xF7\xBF\xBF\xBF");
   // Beyond the Unicode range the old five and six-byte forms continue the pattern.
-  EXPECT_EQ(ch(0x200000), "\xF8\x88\x80\x80\x80");
-  EXPECT_EQ(ch(0x3FFFFFF), "\xFB\xBF\xBF\xBF\xBF");
-  EXPECT_EQ(ch(0x4000000), "\xFC\x84\x80\x80\x80\x80");
-  EXPECT_EQ(ch(0x7FFFFFFF), "\xFD\xBF\xBF\xBF\xBF\xBF");
+  const std::pair<ASN1UINT, const char*> cases[] = {
+      {'A', "A"}, {'<', "&lt;"}, {'\t', "\\t"}, {0x7F, "\x7F"}, {0x80, "\xC2\x80"},
+      {0x7FF, "\xDF\xBF"}, {0x800, "\xE0\xA0\x80"}, {0xFFFF, "\xEF\xBF\xBF"},
+      {0x10000, "\xF0\x90\x80\x80"}, {0x1FFFFF, "\xF7\xBF\xBF\xBF"},
+      {0x200000, "\xF8\x88\x80\x80\x80"}, {0x3FFFFFF, "\xFB\xBF\xBF\xBF\xBF"},
+      {0x4000000, "\xFC\x84\x80\x80\x80\x80"}, {0x7FFFFFFF, "\xFD\xBF\xBF\xBF\xBF\xBF"}};
+  for (const auto& c : cases) EXPECT_EQ(ch(c.first), c.second) << std::hex << c.first;
 
   // Every scalar value of a sample across the planes reads back through the UTF-8 decoder.
   std::vector<ASN1UINT> chars;
