@@ -26,6 +26,10 @@ int takeElement(ASN1CTXT* pctxt, bool borrow, const ASN1OCTET** data_p, ASN1UINT
   int stat = skipElement(buf.data, buf.size, &end);
   if (stat < 0) return LOG_RTERR(pctxt, stat);
   const ASN1UINT numocts = end - start;
+  /* End-of-contents octets only close an indefinite length; taken as a value here they could
+   * never be encoded again, since a reader would take them for that close. */
+  if (numocts == 2 && buf.data[start] == 0 && buf.data[start + 1] == 0)
+    return LOG_RTERR(pctxt, ASN_E_BADTAG);
   if (borrow) {
     *data_p = buf.data + start;
   } else {

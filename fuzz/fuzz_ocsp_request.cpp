@@ -1,0 +1,6 @@
+// Decodes hostile input as PKIXOCSP.OCSPRequest (checks in message_fuzzer.h).
+#include <quillon/modules/PKIXOCSP.h>
+
+#include "message_fuzzer.h"
+
+QN_MESSAGE_FUZZER(OCSPRequest)

@@ -1,0 +1,6 @@
+// Decodes hostile input as PKIXTSP.TimeStampReq (checks in message_fuzzer.h).
+#include <quillon/modules/PKIXTSP.h>
+
+#include "message_fuzzer.h"
+
+QN_MESSAGE_FUZZER(TimeStampReq)
