@@ -17,6 +17,15 @@ bool atStopTag(ASN1CTXT* pctxt, ASN1TagType stopTag) {
   return readHeader(pctxt, &idx, &tag, &len) == 0 && ((tag ^ stopTag) & ~TM_CONS) == 0;
 }
 
+/* End-of-contents (tag 0, no contents, in whatever length form) only closes an indefinite
+ * length; taken as a value it could never be encoded again, since a reader would take it for
+ * that close. */
+bool isEndOfContents(const ASN1OCTET* data, ASN1UINT end, ASN1UINT start) {
+  ASN1TagType tag;
+  int len;
+  return readHeaderAt(data, end, &start, &tag, &len) == 0 && tag == 0 && len == 0;
+}
+
 /* The element at the position, copied to the heap unless borrow lets it stay in place. */
 int takeElement(ASN1CTXT* pctxt, bool borrow, const ASN1OCTET** data_p, ASN1UINT* numocts_p) {
   if (streamEnded(pctxt)) return LOG_RTERR(pctxt, ASN_E_ENDOFBUF);
@@ -26,10 +35,7 @@ int takeElement(ASN1CTXT* pctxt, bool borrow, const ASN1OCTET** data_p, ASN1UINT
   int stat = skipElement(buf.data, buf.size, &end);
   if (stat < 0) return LOG_RTERR(pctxt, stat);
   const ASN1UINT numocts = end - start;
-  /* End-of-contents octets only close an indefinite length; taken as a value here they could
-   * never be encoded again, since a reader would take them for that close. */
-  if (numocts == 2 && buf.data[start] == 0 && buf.data[start + 1] == 0)
-    return LOG_RTERR(pctxt, ASN_E_BADTAG);
+  if (isEndOfContents(buf.data, end, start)) return LOG_RTERR(pctxt, ASN_E_BADTAG);
   if (borrow) {
     *data_p = buf.data + start;
   } else {

@@ -22,6 +22,8 @@ fail() {
   exit 1
 }
 
+# Absolute, because the consumers' CMAKE_PREFIX_PATH would be taken relative to their own build.
+work=$(realpath -m "$work")
 case "$work" in "" | / | "$root") fail "refusing to use $work as the work directory" ;; esac
 prefix="$work/prefix"
 rm -rf "$work"

@@ -27,9 +27,11 @@ TEST(XdOpenType, WholeElementOfEitherLengthForm) {
   EXPECT_EQ(xd_OpenType(DecodeHarness("30 05 04 00").ctxt(), &data, &n), ASN_E_INVLEN);
   EXPECT_EQ(xd_OpenType(DecodeHarness("").ctxt(), &data, &n), ASN_E_ENDOFBUF);
   // End-of-contents octets are no value: the encoder could not write them back.
-  DecodeHarness eoc("00 00 05 00");
-  EXPECT_EQ(xd_OpenType(eoc.ctxt(), &data, &n), ASN_E_BADTAG);
-  EXPECT_EQ(eoc.ctxt()->errInfo.status, ASN_E_BADTAG);
+  for (const char* eocHex : {"00 00 05 00", "00 81 00 05 00", "1F 00 00"}) {
+    DecodeHarness eoc(eocHex);
+    EXPECT_EQ(xd_OpenType(eoc.ctxt(), &data, &n), ASN_E_BADTAG) << eocHex;
+    EXPECT_EQ(eoc.ctxt()->errInfo.status, ASN_E_BADTAG);
+  }
 }
 
 std::vector<std::string> listHex(const _Asn1RTDList& list) {
