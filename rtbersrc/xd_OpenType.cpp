@@ -21,6 +21,7 @@ bool atStopTag(ASN1CTXT* pctxt, ASN1TagType stopTag) {
  * length; taken as a value it could never be encoded again, since a reader would take it for
  * that close. */
 bool isEndOfContents(const ASN1OCTET* data, ASN1UINT end, ASN1UINT start) {
+  if (data[start] != 0x00 && data[start] != 0x1F) return false; /* tag 0 starts no other way */
   ASN1TagType tag;
   int len;
   return readHeaderAt(data, end, &start, &tag, &len) == 0 && tag == 0 && len == 0;
