@@ -658,10 +658,24 @@ void* rtMemHeapMarkSaved(OSMemHeap** ppHeap, const void* mem_p, ASN1BOOL saved) 
   return const_cast<void*>(mem_p);
 }
 
+/* A block that holds the element asked about moves to the front: a value is freed element by
+ * element in the order it was decoded, so the next question is nearly always about the same
+ * block, and freeing a message of many blocks does not walk the list once per pointer. Order
+ * means nothing else to a block in use. */
 int rtMemHeapCheckPtr(OSMemHeap** ppHeap, const void* mem_p) {
   if (!ppHeap || !*ppHeap || !mem_p) return 0;
-  for (OSMemLink* l = (*ppHeap)->blocks; l; l = l->next) {
-    if (isLarge(l) ? l->memBlk == mem_p : blockHoldsLiveElement(blockOfLink(l), mem_p)) return 1;
+  OSMemHeap* heap = *ppHeap;
+  for (OSMemLink* l = heap->blocks; l; l = l->next) {
+    if (isLarge(l)) {
+      if (l->memBlk == mem_p) return 1;
+      continue;
+    }
+    if (!blockHoldsLiveElement(blockOfLink(l), mem_p)) continue;
+    if (l != heap->blocks) {
+      unlinkLink(heap, l);
+      pushLink(heap, l);
+    }
+    return 1;
   }
   return 0;
 }

@@ -435,6 +435,23 @@ TEST_F(MemHeapTest, ResetBlocksServeTheNextMessageBeforeNewOnes) {
   EXPECT_EQ(heap_->emptyCount, 0u);
 }
 
+// Freeing a value asks about its elements oldest first; the block that answers comes to the
+// front, so that the next question does not walk past every newer block.
+TEST_F(MemHeapTest, TheBlockOfACheckedElementComesToTheFront) {
+  std::vector<void*> elements;
+  for (int i = 0; i < 600; i++) elements.push_back(rtMemHeapAlloc(&heap_, 56));
+  ASSERT_GT(heap_->blockCount, 5u);
+  for (void* p : elements) {
+    ASSERT_EQ(rtMemHeapCheckPtr(&heap_, p), 1);
+    ASSERT_TRUE(static_cast<ASN1OCTET*>(p) > static_cast<ASN1OCTET*>(heap_->blocks->memBlk) &&
+                static_cast<ASN1OCTET*>(p) <
+                    static_cast<ASN1OCTET*>(heap_->blocks->memBlk) + 4096 + 64);
+    rtMemHeapFreePtr(&heap_, p);
+  }
+  EXPECT_EQ(checkHeap(heap_), "");
+  EXPECT_EQ(heap_->emptyCount, heap_->blockCount);
+}
+
 TEST_F(MemHeapTest, ReferenceCountsShareOneHeap) {
   ASSERT_EQ(rtMemHeapCreate(&heap_, nullptr), 0);
   OSMemHeap* second = heap_;
@@ -599,6 +616,7 @@ TEST_F(MemHeapTest, RandomWorkloadKeepsEveryInvariant) {
       ASSERT_EQ(rtMemHeapCheckPtr(&heap_, p), 1);
       ASSERT_TRUE(intact(p, info.first));
     }
+    ASSERT_EQ(checkHeap(heap_), "") << "after the checks reordered the blocks";
     rtMemHeapFreeAll(&heap_);
     EXPECT_EQ(hooks_.log().outstanding, 1) << "only the heap record is left";
     EXPECT_EQ(checkHeap(heap_), "");
