@@ -519,15 +519,24 @@ void freeAllLinks(OSMemHeap* heap, bool keepSaved) {
   }
 }
 
-/* Element lookup for rtMemHeapCheckPtr: walks the element chain, so it is exact but slow. */
+/* Element lookup for rtMemHeapCheckPtr: walks the element chain, so it is exact. It walks
+ * forward, because a value is freed in the order it was decoded and freed neighbours merge:
+ * the element asked about usually stands right behind one free run at the block's start. */
 bool blockHoldsLiveElement(OSMemBlk* blk, const void* mem) {
   uintptr_t p = reinterpret_cast<uintptr_t>(mem);
   uintptr_t data = reinterpret_cast<uintptr_t>(dataArea(blk));
   if (blk->lastElem == 0 || p <= data || p > data + blk->tailIndex * kUnit) return false;
-  for (OSMemElemHdr* e = elemAt(blk, blk->lastElem - 1u);; e = prevElem(blk, e)) {
+  for (unsigned index = 0; index < blk->tailIndex;) {
+    OSMemElemHdr* e = elemAt(blk, index);
     if (bodyOf(e) == mem) return !(e->flags & RTMEMELEM_FREE);
-    if (bodyOf(e) < mem || e->prevOffset == 0) return false;
+    if (bodyOf(e) > mem) return false;
+    index += 1u + e->units;
   }
+  return false;
+}
+
+bool holdsElement(OSMemLink* link, const void* mem) {
+  return isLarge(link) ? link->memBlk == mem : blockHoldsLiveElement(blockOfLink(link), mem);
 }
 
 void markLinkSaved(OSMemLink* link, ASN1BOOL saved) {
@@ -658,24 +667,29 @@ void* rtMemHeapMarkSaved(OSMemHeap** ppHeap, const void* mem_p, ASN1BOOL saved) 
   return const_cast<void*>(mem_p);
 }
 
-/* A block that holds the element asked about moves to the front: a value is freed element by
- * element in the order it was decoded, so the next question is nearly always about the same
- * block, and freeing a message of many blocks does not walk the list once per pointer. Order
- * means nothing else to a block in use. */
+/* A value is freed element by element in the order it was decoded, so a question is nearly
+ * always about the block of the one before, or about the oldest block not yet asked about.
+ * The first is brought to the front when it answers; the second is at the end of the blocks
+ * in use. So the search runs from both ends at once: freeing a message of many blocks does not
+ * walk the whole list once per pointer. Order means nothing else to a block in use. */
 int rtMemHeapCheckPtr(OSMemHeap** ppHeap, const void* mem_p) {
   if (!ppHeap || !*ppHeap || !mem_p) return 0;
   OSMemHeap* heap = *ppHeap;
-  for (OSMemLink* l = heap->blocks; l; l = l->next) {
-    if (isLarge(l)) {
-      if (l->memBlk == mem_p) return 1;
-      continue;
+  OSMemLink* front = heap->blocks;
+  OSMemLink* back = lastLink(heap);
+  while (front) {
+    OSMemLink* found = holdsElement(front, mem_p) ? front : nullptr;
+    if (!found && front != back && holdsElement(back, mem_p)) found = back;
+    if (found) {
+      if (!isLarge(found) && found != heap->blocks) {
+        unlinkLink(heap, found);
+        pushLink(heap, found);
+      }
+      return 1;
     }
-    if (!blockHoldsLiveElement(blockOfLink(l), mem_p)) continue;
-    if (l != heap->blocks) {
-      unlinkLink(heap, l);
-      pushLink(heap, l);
-    }
-    return 1;
+    if (front == back || front->next == back) break;
+    front = front->next;
+    back = back->prev;
   }
   return 0;
 }
