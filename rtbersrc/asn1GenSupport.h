@@ -93,4 +93,37 @@ class ASN1DecodeNesting {
   void** mpSlot;
 };
 
+/* Object sets find an identifier through buckets keyed by its arc count and last arc: the
+ * identifiers of a set share their leading arcs, so a bucket holds one or two of them. Each
+ * bucket lists its objects in table order, so the first match is the first in the table, as a
+ * linear search would find it. ASN1_OBJSET_BUCKETS (a power of two) and the arrays are the set
+ * class's; kNoObject ends a bucket. */
+const ASN1USINT kNoObject = 0xFFFF;
+
+inline unsigned objectSetBucket(const ASN1OBJID& id) {
+  const ASN1UINT last = id.numids != 0 ? id.subid[id.numids - 1] : 0;
+  return (last * 31u + id.numids) & (ASN1_OBJSET_BUCKETS - 1);
+}
+
+template <class Object>
+void indexObjectSet(const Object* const* objects, ASN1UINT count, ASN1USINT* first,
+                    ASN1USINT* next) {
+  for (unsigned b = 0; b < ASN1_OBJSET_BUCKETS; ++b) first[b] = kNoObject;
+  /* From the last object back, so that every bucket ends up in table order. */
+  for (ASN1UINT i = count; i-- > 0;) {
+    const unsigned b = objectSetBucket(objects[i]->id);
+    next[i] = first[b];
+    first[b] = (ASN1USINT)i;
+  }
+}
+
+template <class Object>
+const Object* findInObjectSet(const Object* const* objects, const ASN1USINT* first,
+                              const ASN1USINT* next, const ASN1OBJID& key) {
+  for (ASN1USINT i = first[objectSetBucket(key)]; i != kNoObject; i = next[i]) {
+    if (objects[i]->id == key) return objects[i];
+  }
+  return 0;
+}
+
 #endif

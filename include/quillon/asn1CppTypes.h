@@ -252,6 +252,9 @@ struct ASN1TDynBitStr : public ASN1DynBitStr {
 /* ASN1TOpenType is the plain record of asn1type.h (numocts, data): C code and generated code
  * share it as it is. Value-initialise it (ASN1TOpenType ot{}) for an empty one. */
 
+/* Buckets of the identifier index that every generated object set keeps (a power of two). */
+#define ASN1_OBJSET_BUCKETS 32
+
 /* An object identifier with value semantics over ASN1OBJID. Each constructor and assignment
  * copies exactly the count's arcs, at most the record's capacity of ASN_K_MAXSUBIDS. */
 class QN_API ASN1TObjId : public ASN1OBJID {

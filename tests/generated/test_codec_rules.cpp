@@ -324,6 +324,55 @@ TEST(GeneratedTable, ExtensionValuesDecodeThroughTheirObjects) {
   EXPECT_TRUE(sawExtensions);
 }
 
+// The members of a set, reached through a subclass's view of them.
+template <class Set>
+struct SetMembers : Set {
+  static auto objects() { return &SetMembers::mObjects; }
+  static auto count() { return &SetMembers::mCount; }
+};
+
+// lookupObject answers what a search of the members in table order would: the first member
+// with an equal identifier, and nothing for an identifier no member has.
+template <class Set>
+void expectLookupFindsTheFirstMember(ASN1CTXT* c, const char* setName) {
+  Set* set = Set::instance(c);
+  const auto& objects = set->*SetMembers<Set>::objects();
+  const ASN1UINT count = set->*SetMembers<Set>::count();
+  for (ASN1UINT i = 0; i < count; i++) {
+    ASN1UINT first = 0;
+    while (!(objects[first]->id == objects[i]->id)) first++;
+    EXPECT_EQ(set->lookupObject(ASN1TObjId(objects[i]->id)), objects[first])
+        << setName << " member " << i;
+    // Same count and last arc as a member, another identifier: none.
+    ASN1TObjId other(objects[i]->id);
+    other.subid[0] = 3;
+    EXPECT_EQ(set->lookupObject(other), nullptr) << setName << " member " << i;
+  }
+  EXPECT_EQ(set->lookupObject(ASN1TObjId()), nullptr) << setName;
+}
+
+TEST(GeneratedTable, EverySetFindsItsMembersInTableOrder) {
+  DecodeHarness h("");
+  expectLookupFindsTheFirstMember<SupportedAttributes>(h.ctxt(), "SupportedAttributes");
+  expectLookupFindsTheFirstMember<SupportedAlgorithms>(h.ctxt(), "SupportedAlgorithms");
+  expectLookupFindsTheFirstMember<ExtensionSet>(h.ctxt(), "ExtensionSet");
+  expectLookupFindsTheFirstMember<SupportedContentTypes>(h.ctxt(), "SupportedContentTypes");
+  expectLookupFindsTheFirstMember<SupportedEContentTypes>(h.ctxt(), "SupportedEContentTypes");
+  expectLookupFindsTheFirstMember<SupportedSigPolicyQualifiers>(h.ctxt(),
+                                                                "SupportedSigPolicyQualifiers");
+  expectLookupFindsTheFirstMember<SupportedPolicyQualifiers>(h.ctxt(), "SupportedPolicyQualifiers");
+  expectLookupFindsTheFirstMember<Gost28147_89_Algorithms>(h.ctxt(), "Gost28147_89_Algorithms");
+  expectLookupFindsTheFirstMember<GostR3410_2001_CMSSignatureAlgorithms>(
+      h.ctxt(), "GostR3410_2001_CMSSignatureAlgorithms");
+  expectLookupFindsTheFirstMember<GostR3410_94_CMSSignatureAlgorithms>(
+      h.ctxt(), "GostR3410_94_CMSSignatureAlgorithms");
+  expectLookupFindsTheFirstMember<GostR3411_94_DigestAlgorithms>(h.ctxt(),
+                                                                 "GostR3411_94_DigestAlgorithms");
+  expectLookupFindsTheFirstMember<SupportedInfos>(h.ctxt(), "SupportedInfos");
+  expectLookupFindsTheFirstMember<SupportedOCSPResponseTypes>(h.ctxt(),
+                                                              "SupportedOCSPResponseTypes");
+}
+
 TEST(GeneratedTable, AttributeValuesAndAbsentParameters) {
   // Two commonName values decode into a list of typed values, in order.
   Bytes values = tlv(0x31, cat({tlv(0x0C, hexOctets("41 6C 69 63 65")), tlv(0x13, hexOctets("42 6F 62"))}));

@@ -101,6 +101,9 @@ def set_declaration(a):
         "  static %s* mpInstance;" % name,
         "  const %s* mObjects[%d];" % (base, size),
         "  ASN1UINT mCount;",
+        "  /* mObjects by bucket of identifier, for lookupObject. */",
+        "  ASN1USINT mFirst[ASN1_OBJSET_BUCKETS];",
+        "  ASN1USINT mNext[%d];" % size,
         "};",
         "",
     ]
@@ -183,6 +186,7 @@ def emit_set(w, a):
     with w.block("%s::%s() : mObjects(), mCount(0)" % (name, name)):
         for obj in a.spec.objects or []:
             w("mObjects[mCount++] = new %s();" % object_name(obj))
+        w("indexObjectSet(mObjects, mCount, mFirst, mNext);")
     w("")
     # Made without a lock: a program that decodes on several threads looks every set up
     # once before it starts them.
@@ -191,15 +195,7 @@ def emit_set(w, a):
         w("return mpInstance;")
     w("")
     with w.function("const %s* %s::lookupObject(const ASN1TObjId& key) const" % (base, name)):
-        # The identifiers of a set share their leading arcs and differ in the last ones, so
-        # the count and the last arc rule out most candidates before a full comparison.
-        with w.block("for (ASN1UINT i = 0; i < mCount; i++)"):
-            w("const ASN1OBJID& id = mObjects[i]->id;")
-            w("if (id.numids != key.numids) continue;")
-            w("if (key.numids != 0 && id.subid[key.numids - 1] != key.subid[key.numids - 1]) "
-              "continue;")
-            w("if (id == key) return mObjects[i];")
-        w("return 0;")
+        w("return findInObjectSet(mObjects, mFirst, mNext, key);")
     w("")
 
 
