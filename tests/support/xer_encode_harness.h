@@ -13,14 +13,13 @@ class XerOut {
  public:
   // A dynamic buffer of initialSize bytes (0: the default size).
   explicit XerOut(bool canonical = false, int initialSize = 0) {
-    status_ = xerSetEncBufPtr(ctx_.get(), nullptr, initialSize, canonical);
+    xerSetEncBufPtr(ctx_.get(), nullptr, initialSize, canonical);
   }
   // The test's static buffer.
-  XerOut(ASN1OCTET* buf, int size) { status_ = xerSetEncBufPtr(ctx_.get(), buf, size, 0); }
+  XerOut(ASN1OCTET* buf, int size) { xerSetEncBufPtr(ctx_.get(), buf, size, 0); }
 
   ASN1CTXT* ctxt() { return ctx_.get(); }
   TestContext& context() { return ctx_; }
-  int attachStatus() const { return status_; }
 
   // Everything written since the buffer was attached or rewound.
   std::string text() {
@@ -44,7 +43,6 @@ class XerOut {
 
  private:
   TestContext ctx_;
-  int status_ = 0;
 };
 
 #endif

@@ -217,18 +217,24 @@ def present(c):
     return "pvalue->m.%sPresent" % S.c_name(c.name) if c.presence_bit is not None else None
 
 
-def emit_dtc(w, a):
-    with w.function("int asn1DTC_%s(ASN1CTXT* pctxt, ASN1T_%s* pvalue)" % (
-            a.generated_name, a.generated_name)):
-        w("int stat;")
+def emit_table_function(w, a, prefix, local, emit_single, emit_list):
+    """asn1DTC_/asn1ETC_ of a type: each table-constrained component, when present, handled
+    by the single-value or the list emitter."""
+    with w.function("int %s_%s(ASN1CTXT* pctxt, ASN1T_%s* pvalue)" % (
+            prefix, a.generated_name, a.generated_name)):
+        w("int %s;" % local)
         for c in table_components(a):
             cond = present(c)
             with w.block("if (%s)" % cond if cond else ""):
                 if is_list_table(c):
-                    emit_dtc_list(w, c)
+                    emit_list(w, c)
                 else:
-                    emit_dtc_single(w, c)
+                    emit_single(w, c)
         w("return 0;")
+
+
+def emit_dtc(w, a):
+    emit_table_function(w, a, "asn1DTC", "stat", emit_dtc_single, emit_dtc_list)
 
 
 def emit_dtc_single(w, c):
@@ -278,17 +284,7 @@ def emit_dtc_list(w, c):
 
 
 def emit_etc(w, a):
-    with w.function("int asn1ETC_%s(ASN1CTXT* pctxt, ASN1T_%s* pvalue)" % (
-            a.generated_name, a.generated_name)):
-        w("int len;")
-        for c in table_components(a):
-            cond = present(c)
-            with w.block("if (%s)" % cond if cond else ""):
-                if is_list_table(c):
-                    emit_etc_list(w, c)
-                else:
-                    emit_etc_single(w, c)
-        w("return 0;")
+    emit_table_function(w, a, "asn1ETC", "len", emit_etc_single, emit_etc_list)
 
 
 def etc_object(w, c, obj):
